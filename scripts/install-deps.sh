@@ -1,0 +1,40 @@
+#!/usr/bin/env bash
+# Installs the Debian packages Quelmo needs. Usage: install-deps.sh [run|test]
+#   run  - what building and running the tray utility needs
+#   test - additionally the test, benchmark and desktop-test tools
+# Only missing packages are installed; nothing is asked.
+set -euo pipefail
+
+build_pkgs=(
+  build-essential cmake ninja-build pkg-config
+  qt6-base-dev qt6-declarative-dev qt6-svg-dev qt6-tools-dev-tools
+  libqt6svg6 qt6-qpa-plugins
+  qml6-module-qtquick qml6-module-qtquick-window qml6-module-qtquick-controls
+  qml6-module-qtquick-layouts qml6-module-qtquick-templates qml6-module-qtquick-shapes
+  qml6-module-qtqml-workerscript
+  libxcb1-dev libxcb-ewmh-dev libxcb-res0-dev libxcb-icccm4-dev
+  procps
+)
+test_pkgs=(
+  googletest libgtest-dev libgmock-dev libbenchmark-dev clang-format
+  xvfb xauth openbox xfce4-panel dbus dbus-x11 at-spi2-core
+  xdotool wmctrl x11-utils x11-apps imagemagick mousepad desktop-file-utils
+  python3
+)
+
+mode=${1:-run}
+pkgs=("${build_pkgs[@]}")
+[ "$mode" = test ] && pkgs+=("${test_pkgs[@]}")
+
+missing=()
+for p in "${pkgs[@]}"; do
+  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+
+sudo_cmd=()
+[ "$(id -u)" -ne 0 ] && sudo_cmd=(sudo -n)
+echo "Installing: ${missing[*]}"
+export DEBIAN_FRONTEND=noninteractive
+"${sudo_cmd[@]}" apt-get update -qq
+"${sudo_cmd[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null

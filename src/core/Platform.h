@@ -1,0 +1,27 @@
+#pragma once
+
+// Everything the hub needs from the machine, handed over at construction. The application builds
+// it from the Linux readers; tests build it from fakes. A missing source reads as neutral.
+
+#include "cleanup/DesktopSession.h"
+#include "metrics/PowerMonitor.h"
+#include "metrics/sources/SystemSources.h"
+
+#include <memory>
+
+namespace quelmo {
+
+struct Platform {
+    std::unique_ptr<CpuTicksSource> cpuTicks;
+    std::unique_ptr<ChipFactsSource> chip;
+    std::unique_ptr<GpuLoadSource> gpu;
+    std::unique_ptr<MemorySource> memory;
+    std::unique_ptr<EnergySource> energy;
+    std::unique_ptr<ProcessSource> processes;
+    std::unique_ptr<DesktopSession> desktop;
+    std::unique_ptr<SystemInfo> system;
+    std::unique_ptr<ProcessSignaller> signaller;
+    PowerMonitor::Clock clock = PowerMonitor::monotonicSeconds; // seconds, monotonic
+};
+
+} // namespace quelmo

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "metrics/ProcInfo.h"
+
+#include <QString>
+
+#include <optional>
+
+namespace quelmo {
+
+enum class CleanupReason { spike, sustained, ramHog, idleApp };
+
+QString rawValue(CleanupReason reason);
+std::optional<CleanupReason> cleanupReasonFromRaw(const QString& raw);
+QString label(CleanupReason reason); // in the effective interface language
+
+struct CleanupCandidate {
+    ProcInfo proc;
+    CleanupReason reason = CleanupReason::spike;
+    std::optional<double> idleMinutes; // only for idleApp
+    bool hasWindow = false;            // only ever true for idleApp
+    std::optional<QString> displayName;
+
+    qint64 id() const { return proc.id; }
+    // The key of the verdict cache and the model queue.
+    QString key() const { return displayName.value_or(proc.name); }
+};
+
+} // namespace quelmo

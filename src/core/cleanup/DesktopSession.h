@@ -1,0 +1,70 @@
+#pragma once
+
+// What the cleanup rules need to know about the user's desktop, and the means to close a
+// process politely. Implemented over X11/EWMH under platform/linux; faked in tests.
+
+#include <QSet>
+#include <QString>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace quelmo {
+
+// One look at the desktop, taken once per candidate selection.
+struct DesktopSnapshot {
+    QSet<qint64> regularPIDs;          // processes owning a taskbar (ordinary) application window
+    std::optional<qint64> frontmostPID; // the process of the active window
+    QSet<qint64> visiblePIDs;          // processes owning a visible window on the current desktop
+};
+
+// An application's identity: its desktop-entry id and its display name in the current language.
+struct AppRecord {
+    QString appId;                      // desktop-entry id, e.g. "org.xfce.mousepad"
+    std::optional<QString> displayName; // the entry's localised Name
+};
+
+class DesktopSession {
+public:
+    virtual ~DesktopSession() = default;
+
+    virtual DesktopSnapshot snapshot() = 0;
+    virtual std::optional<AppRecord> application(qint64 pid) = 0;
+
+    // The desktop-entry id of the application in front now, if any.
+    virtual std::optional<QString> frontmostAppId() = 0;
+    // Called on the main thread with the desktop-entry id of each newly activated application.
+    virtual void setActivationHandler(std::function<void(const QString& appId)> handler) = 0;
+
+    // Asks every top-level window of the process to close through the window manager.
+    // True when at least one window was asked.
+    virtual bool requestClose(qint64 pid) = 0;
+};
+
+// Facts about this machine and session that the rules read.
+class SystemInfo {
+public:
+    virtual ~SystemInfo() = default;
+    virtual QString userName() = 0;
+    virtual qint64 ownPid() = 0;
+    virtual bool thermalNominal() = 0;
+};
+
+// A process pinned by a handle taken while it was known to be the same process, so the
+// signal can never reach a later process that reused the pid.
+class ProcessHandle {
+public:
+    virtual ~ProcessHandle() = default;
+    virtual bool sendTerminate() = 0; // SIGTERM; never anything stronger
+};
+
+class ProcessSignaller {
+public:
+    virtual ~ProcessSignaller() = default;
+    // Nothing when the pid is gone or now belongs to a process started at another time.
+    virtual std::unique_ptr<ProcessHandle> open(qint64 pid, std::uint64_t startTime) = 0;
+};
+
+} // namespace quelmo

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QMetaType>
+#include <QString>
+
+#include <cstdint>
+
+namespace quelmo {
+
+// One row of the process table. Plain value, copied freely.
+struct ProcInfo {
+    Q_GADGET
+    Q_PROPERTY(qint64 id MEMBER id)
+    Q_PROPERTY(QString name MEMBER name)
+    Q_PROPERTY(double cpu MEMBER cpu)
+    Q_PROPERTY(double rss MEMBER rss)
+    Q_PROPERTY(QString user MEMBER user)
+
+public:
+    qint64 id = 0;   // process id, also the row's identity
+    QString name;    // executable name only; may contain spaces
+    double cpu = 0;  // percent of one logical CPU; may exceed 100
+    double rss = 0;  // resident memory in bytes
+    QString user;    // owner's user name
+
+    double rssMB() const { return rss * (1.0 / 1048576.0); }
+};
+
+} // namespace quelmo
+
+Q_DECLARE_METATYPE(quelmo::ProcInfo)

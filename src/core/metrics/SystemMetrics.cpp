@@ -1,0 +1,137 @@
+#include "metrics/SystemMetrics.h"
+
+#include "metrics/ChipInfo.h"
+#include "settings/SettingsKeys.h"
+
+#include <QPointer>
+#include <QSettings>
+
+#include <algorithm>
+#include <cmath>
+
+namespace quelmo {
+
+namespace {
+
+MemoryMonitor makeMemoryMonitor(std::unique_ptr<MemorySource> source) {
+    const double total = source ? source->physicalBytes() : 0.0;
+    return MemoryMonitor(std::move(source), total);
+}
+
+// The first `limit` rows of `rows` stably sorted by `key`, highest first: a row goes before
+// another only when its key is strictly greater.
+template <typename Key>
+QList<ProcInfo> topRows(const std::vector<ProcInfo>& rows, Key key, qsizetype limit) {
+    QList<ProcInfo> sorted(rows.begin(), rows.end());
+    std::stable_sort(sorted.begin(), sorted.end(),
+                     [&](const ProcInfo& a, const ProcInfo& b) { return key(a) > key(b); });
+    if (sorted.size() > limit)
+        sorted.resize(limit);
+    return sorted;
+}
+
+} // namespace
+
+SystemMetrics::SystemMetrics(Platform platform, QObject* parent)
+    : QObject(parent), desktop_(std::move(platform.desktop)), system_(std::move(platform.system)),
+      signaller_(std::move(platform.signaller)), cpu_(std::move(platform.cpuTicks)),
+      mem_(makeMemoryMonitor(std::move(platform.memory))), gpuMon_(std::move(platform.gpu)),
+      power_(std::move(platform.energy), std::move(platform.clock)), procMon_(std::move(platform.processes)),
+      focus_(desktop_.get()) {
+    const ChipFacts chip = platform.chip ? platform.chip->readChipFacts() : ChipFacts{};
+    chipName_ = chip.name;
+    coreSummary_ = ChipInfo::coreSummary(chip);
+    memoryGB_ = mem_.total() * (1.0 / 1073741824.0);
+
+    advisor_ = new AIAdvisor(this);
+    aiStatus_ = advisor_->status();
+
+    // A stored value that is not a finite number is ignored and left as it is.
+    const QVariant stored = QSettings().value(SettingsKeys::sensitivity);
+    bool isNumber = false;
+    const double storedSensitivity = stored.toDouble(&isNumber);
+    if (stored.isValid() && isNumber && std::isfinite(storedSensitivity))
+        setSensitivity(storedSensitivity);
+    baseline_.setSensitivity(sensitivity_);
+}
+
+SystemMetrics::~SystemMetrics() = default;
+
+void SystemMetrics::start() {
+    update();
+    delete timer_;
+    timer_ = new QTimer(this);
+    timer_->setInterval(tickIntervalMs);
+    // The timer is a child of the hub: it dies with it, so a tick never reaches a destroyed hub.
+    connect(timer_, &QTimer::timeout, this, &SystemMetrics::update);
+    timer_->start();
+}
+
+void SystemMetrics::update() {
+    const CPUMonitor::Reading cpu = cpu_.sample();
+    if (!cpu.perCore.empty()) {
+        publish(cpuTotal_, cpu.total, &SystemMetrics::cpuTotalChanged);
+        publish(cpuPerCore_, QList<double>(cpu.perCore.begin(), cpu.perCore.end()),
+                &SystemMetrics::cpuPerCoreChanged);
+    }
+
+    publish(gpu_, gpuMon_.sample(), &SystemMetrics::gpuChanged);
+
+    const MemoryMonitor::Reading mem = mem_.sample();
+    publish(memUsed_, mem.used, &SystemMetrics::memUsedChanged);
+    publish(memTotal_, mem.total, &SystemMetrics::memTotalChanged);
+    publish(memFraction_, mem.fraction, &SystemMetrics::memFractionChanged);
+
+    if (const auto power = power_.sample()) {
+        publish(cpuWatts_, power->cpuWatts, &SystemMetrics::cpuWattsChanged);
+        publish(gpuWatts_, power->gpuWatts, &SystemMetrics::gpuWattsChanged);
+        publish(aneWatts_, power->aneWatts, &SystemMetrics::aneWattsChanged);
+        publish(dramWatts_, power->dramWatts, &SystemMetrics::dramWattsChanged);
+        publish(totalWatts_,
+                ((power->cpuWatts + power->gpuWatts) + power->aneWatts) + power->dramWatts,
+                &SystemMetrics::totalWattsChanged);
+        publish(aneLoad_, std::clamp(power->aneWatts * 0.125, 0.0, 1.0),
+                &SystemMetrics::aneLoadChanged);
+    }
+
+    if (pollProcesses_)
+        refreshProcesses();
+    if (onUpdate)
+        onUpdate();
+}
+
+void SystemMetrics::refreshProcesses() {
+    const std::vector<ProcInfo> snapshot = procMon_.snapshot();
+    baseline_.observe(snapshot);
+    publish(topCPU_, topRows(snapshot, [](const ProcInfo& p) { return p.cpu; }, 5),
+            &SystemMetrics::topCPUChanged);
+    publish(topMem_, topRows(snapshot, [](const ProcInfo& p) { return p.rss; }, 5),
+            &SystemMetrics::topMemChanged);
+    publish(cleanupCandidates_, computeCleanupCandidates(snapshot),
+            &SystemMetrics::cleanupCandidatesChanged);
+    queueAIEvaluations();
+}
+
+void SystemMetrics::setSensitivity(double value) {
+    publish(sensitivity_, value, &SystemMetrics::sensitivityChanged);
+    baseline_.setSensitivity(value);
+    QSettings().setValue(SettingsKeys::sensitivity, value);
+}
+
+void SystemMetrics::setTopCPU(QList<ProcInfo> rows) {
+    publish(topCPU_, std::move(rows), &SystemMetrics::topCPUChanged);
+}
+
+void SystemMetrics::setTopMem(QList<ProcInfo> rows) {
+    publish(topMem_, std::move(rows), &SystemMetrics::topMemChanged);
+}
+
+void SystemMetrics::setCleanupCandidates(QList<CleanupCandidate> candidates) {
+    publish(cleanupCandidates_, std::move(candidates), &SystemMetrics::cleanupCandidatesChanged);
+}
+
+void SystemMetrics::setAIVerdicts(AIVerdictMap verdicts) {
+    publish(aiVerdicts_, std::move(verdicts), &SystemMetrics::aiVerdictsChanged);
+}
+
+} // namespace quelmo

@@ -1,0 +1,178 @@
+#pragma once
+
+#include "Platform.h"
+#include "advisor/AIAdvisor.h"
+#include "advisor/AIVerdict.h"
+#include "cleanup/BaselineEngine.h"
+#include "cleanup/CleanupCandidate.h"
+#include "cleanup/FocusTracker.h"
+#include "metrics/CPUMonitor.h"
+#include "metrics/GPUMonitor.h"
+#include "metrics/MemoryMonitor.h"
+#include "metrics/PowerMonitor.h"
+#include "metrics/ProcInfo.h"
+#include "metrics/ProcessMonitor.h"
+
+#include <QHash>
+#include <QList>
+#include <QObject>
+#include <QSet>
+#include <QString>
+#include <QTimer>
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+namespace quelmo {
+
+using AIVerdictMap = QHash<QString, AIVerdict>;
+
+// The one observable object through which the rest of the program sees the machine. Samples the
+// monitors once a second; while polling, also refreshes the process table, the baselines, the
+// cleanup candidates and the model queue. Every published property signals once per assignment.
+class SystemMetrics : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(double cpuTotal READ cpuTotal NOTIFY cpuTotalChanged)
+    Q_PROPERTY(QList<double> cpuPerCore READ cpuPerCore NOTIFY cpuPerCoreChanged)
+    Q_PROPERTY(double gpu READ gpu NOTIFY gpuChanged)
+    Q_PROPERTY(double memUsed READ memUsed NOTIFY memUsedChanged)
+    Q_PROPERTY(double memTotal READ memTotal NOTIFY memTotalChanged)
+    Q_PROPERTY(double memFraction READ memFraction NOTIFY memFractionChanged)
+    Q_PROPERTY(double cpuWatts READ cpuWatts NOTIFY cpuWattsChanged)
+    Q_PROPERTY(double gpuWatts READ gpuWatts NOTIFY gpuWattsChanged)
+    Q_PROPERTY(double aneWatts READ aneWatts NOTIFY aneWattsChanged)
+    Q_PROPERTY(double dramWatts READ dramWatts NOTIFY dramWattsChanged)
+    Q_PROPERTY(double totalWatts READ totalWatts NOTIFY totalWattsChanged)
+    Q_PROPERTY(double aneLoad READ aneLoad NOTIFY aneLoadChanged)
+    Q_PROPERTY(double sensitivity READ sensitivity WRITE setSensitivity NOTIFY sensitivityChanged)
+    Q_PROPERTY(QString chipName READ chipName CONSTANT)
+    Q_PROPERTY(QString coreSummary READ coreSummary CONSTANT)
+    Q_PROPERTY(double memoryGB READ memoryGB CONSTANT)
+
+public:
+    explicit SystemMetrics(Platform platform, QObject* parent = nullptr);
+    ~SystemMetrics() override;
+
+    void start();
+    void update();
+    void refreshProcesses();
+    void reevaluateAI();
+    int terminate(const QList<qint64>& pids);
+
+    // Published readings.
+    double cpuTotal() const { return cpuTotal_; }
+    QList<double> cpuPerCore() const { return cpuPerCore_; }
+    double gpu() const { return gpu_; }
+    double memUsed() const { return memUsed_; }
+    double memTotal() const { return memTotal_; }
+    double memFraction() const { return memFraction_; }
+    double cpuWatts() const { return cpuWatts_; }
+    double gpuWatts() const { return gpuWatts_; }
+    double aneWatts() const { return aneWatts_; }
+    double dramWatts() const { return dramWatts_; }
+    double totalWatts() const { return totalWatts_; }
+    double aneLoad() const { return aneLoad_; }
+    const QList<ProcInfo>& topCPU() const { return topCPU_; }
+    const QList<ProcInfo>& topMem() const { return topMem_; }
+    const QList<CleanupCandidate>& cleanupCandidates() const { return cleanupCandidates_; }
+    const AIVerdictMap& aiVerdicts() const { return aiVerdicts_; }
+    double sensitivity() const { return sensitivity_; }
+    void setSensitivity(double value);
+
+    // Emptied by the status-bar controller when the popover closes.
+    void setTopCPU(QList<ProcInfo> rows);
+    void setTopMem(QList<ProcInfo> rows);
+    void setCleanupCandidates(QList<CleanupCandidate> candidates);
+
+    // Read by the rest of the program.
+    bool pollProcesses() const { return pollProcesses_; }
+    void setPollProcesses(bool on) { pollProcesses_ = on; }
+    AIAdvisor::Status aiStatus() const { return aiStatus_; }
+    QString chipName() const { return chipName_; }
+    QString coreSummary() const { return coreSummary_; }
+    double memoryGB() const { return memoryGB_; }
+    std::function<void()> onUpdate;
+
+    const QSet<qint64>& cuttingPIDs() const { return cuttingPIDs_; }
+    const QList<AIQueueEntry>& aiQueue() const { return aiQueue_; }
+    bool aiBusy() const { return aiBusy_; }
+
+    static constexpr double aneMaxWatts = 8.0;
+    static constexpr int tickIntervalMs = 1000;
+
+signals:
+    void cpuTotalChanged();
+    void cpuPerCoreChanged();
+    void gpuChanged();
+    void memUsedChanged();
+    void memTotalChanged();
+    void memFractionChanged();
+    void cpuWattsChanged();
+    void gpuWattsChanged();
+    void aneWattsChanged();
+    void dramWattsChanged();
+    void totalWattsChanged();
+    void aneLoadChanged();
+    void topCPUChanged();
+    void topMemChanged();
+    void cleanupCandidatesChanged();
+    void aiVerdictsChanged();
+    void sensitivityChanged();
+
+private:
+    QList<CleanupCandidate> computeCleanupCandidates(const std::vector<ProcInfo>& procs) const;
+    void queueAIEvaluations();
+    void pumpAI();
+    void setAIVerdicts(AIVerdictMap verdicts);
+
+    template <typename T> void publish(T& field, T value, void (SystemMetrics::*changed)()) {
+        field = std::move(value);
+        emit(this->*changed)();
+    }
+
+    // Published readings.
+    double cpuTotal_ = 0;
+    QList<double> cpuPerCore_;
+    double gpu_ = 0;
+    double memUsed_ = 0;
+    double memTotal_ = 1.0;
+    double memFraction_ = 0;
+    double cpuWatts_ = 0;
+    double gpuWatts_ = 0;
+    double aneWatts_ = 0;
+    double dramWatts_ = 0;
+    double totalWatts_ = 0;
+    double aneLoad_ = 0;
+    QList<ProcInfo> topCPU_;
+    QList<ProcInfo> topMem_;
+    QList<CleanupCandidate> cleanupCandidates_;
+    AIVerdictMap aiVerdicts_;
+    bool pollProcesses_ = false;
+    AIAdvisor::Status aiStatus_;
+    double sensitivity_ = 0.5;
+    QString chipName_;
+    QString coreSummary_;
+    double memoryGB_ = 0;
+
+    // Owned machinery.
+    std::unique_ptr<DesktopSession> desktop_;
+    std::unique_ptr<SystemInfo> system_;
+    std::unique_ptr<ProcessSignaller> signaller_;
+    CPUMonitor cpu_;
+    MemoryMonitor mem_;
+    GPUMonitor gpuMon_;
+    PowerMonitor power_;
+    ProcessMonitor procMon_;
+    BaselineEngine baseline_;
+    AIAdvisor* advisor_ = nullptr; // child QObject
+    FocusTracker focus_;
+    QTimer* timer_ = nullptr; // child QObject, made by start()
+    QList<AIQueueEntry> aiQueue_;
+    bool aiBusy_ = false;
+    QSet<qint64> cuttingPIDs_;
+};
+
+} // namespace quelmo
+
+Q_DECLARE_METATYPE(quelmo::CleanupCandidate)

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "Platform.h"
+
+#include <QString>
+
+namespace quelmo::linux_platform {
+
+// Every reader of this machine, rooted at `root` ("/" on a live system, a fixture tree in tests).
+Platform makePlatform(const QString& root = QStringLiteral("/"));
+
+} // namespace quelmo::linux_platform

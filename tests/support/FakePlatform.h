@@ -1,0 +1,73 @@
+#pragma once
+
+// Scriptable stand-ins for the machine, for tests of the hub and the rules above the readers.
+
+#include "Platform.h"
+
+#include <deque>
+#include <utility>
+
+namespace quelmo::test {
+
+struct ScriptedCpuTicks : CpuTicksSource {
+    std::deque<std::optional<std::vector<CpuTicks>>> script;
+    std::optional<std::vector<CpuTicks>> readTicks() override {
+        if (script.empty())
+            return std::nullopt;
+        auto next = std::move(script.front());
+        script.pop_front();
+        return next;
+    }
+};
+
+struct FixedChip : ChipFactsSource {
+    ChipFacts facts;
+    ChipFacts readChipFacts() override { return facts; }
+};
+
+struct FixedGpu : GpuLoadSource {
+    std::vector<std::int64_t> percents;
+    std::vector<std::int64_t> readDevicePercents() override { return percents; }
+};
+
+struct FixedMemory : MemorySource {
+    double physical = 8589934592.0;
+    std::optional<MemoryPages> pages;
+    double physicalBytes() override { return physical; }
+    std::optional<MemoryPages> readPages() override { return pages; }
+};
+
+struct ScriptedEnergy : EnergySource {
+    bool isAvailable = true;
+    std::deque<std::optional<std::vector<EnergyChannel>>> script;
+    bool available() override { return isAvailable; }
+    std::optional<std::vector<EnergyChannel>> readChannels() override {
+        if (script.empty())
+            return std::nullopt;
+        auto next = std::move(script.front());
+        script.pop_front();
+        return next;
+    }
+};
+
+struct FixedProcesses : ProcessSource {
+    std::vector<ProcInfo> rows;
+    int snapshots = 0;
+    std::vector<ProcInfo> snapshot() override {
+        ++snapshots;
+        return rows;
+    }
+};
+
+inline ProcInfo proc(qint64 id, const QString& name, double cpu, double rss,
+                     const QString& user = QStringLiteral("alice")) {
+    ProcInfo p;
+    p.id = id;
+    p.name = name;
+    p.cpu = cpu;
+    p.rss = rss;
+    p.user = user;
+    return p;
+}
+
+} // namespace quelmo::test

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QSettings>
+#include <QTemporaryDir>
+
+namespace quelmo::test {
+
+// Points the user-scope settings at a fresh temporary folder for as long as it lives.
+class TempSettings {
+public:
+    TempSettings() {
+        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, dir_.path());
+        QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, dir_.path());
+        qputenv("XDG_CONFIG_HOME", dir_.path().toUtf8());
+    }
+    QString path() const { return dir_.path(); }
+    // Forgets every stored key.
+    static void clear() { QSettings().clear(); }
+
+private:
+    QTemporaryDir dir_;
+};
+
+} // namespace quelmo::test
