@@ -8,4 +8,6 @@ std::vector<ProcInfo> ProcessMonitor::snapshot() {
     return source_ ? source_->snapshot() : std::vector<ProcInfo>{};
 }
 
+std::optional<std::uint64_t> ProcessMonitor::startTimeOf(qint64) const { return std::nullopt; }
+
 } // namespace quelmo

@@ -3,7 +3,9 @@
 #include "metrics/ProcInfo.h"
 #include "metrics/sources/SystemSources.h"
 
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace quelmo {
@@ -13,6 +15,9 @@ class ProcessMonitor {
 public:
     explicit ProcessMonitor(std::unique_ptr<ProcessSource> source);
     std::vector<ProcInfo> snapshot();
+    // The start time (kernel clock ticks since boot) of `pid` as of the last snapshot; used to
+    // make sure a signal only ever reaches the process that was listed.
+    std::optional<std::uint64_t> startTimeOf(qint64 pid) const;
 
 private:
     std::unique_ptr<ProcessSource> source_;

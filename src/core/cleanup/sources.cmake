@@ -1,0 +1,7 @@
+target_sources(quelmo_core PRIVATE
+  cleanup/CleanupCandidate.h cleanup/CleanupCandidate.cpp
+  cleanup/DesktopSession.h
+  cleanup/BaselineEngine.h cleanup/BaselineEngine.cpp
+  cleanup/FocusTracker.h cleanup/FocusTracker.cpp
+  cleanup/CandidateSelection.cpp
+)

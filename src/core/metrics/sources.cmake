@@ -1,0 +1,11 @@
+target_sources(quelmo_core PRIVATE
+  metrics/ProcInfo.h
+  metrics/sources/SystemSources.h
+  metrics/SystemMetrics.h metrics/SystemMetrics.cpp
+  metrics/CPUMonitor.h metrics/CPUMonitor.cpp
+  metrics/ChipInfo.h metrics/ChipInfo.cpp
+  metrics/GPUMonitor.h metrics/GPUMonitor.cpp
+  metrics/MemoryMonitor.h metrics/MemoryMonitor.cpp
+  metrics/PowerMonitor.h metrics/PowerMonitor.cpp
+  metrics/ProcessMonitor.h metrics/ProcessMonitor.cpp
+)

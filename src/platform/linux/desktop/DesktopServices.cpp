@@ -1,0 +1,7 @@
+#include "desktop/DesktopServices.h"
+
+namespace quelmo::linux_platform {
+
+void addDesktopServices(Platform&, const QString&) {}
+
+} // namespace quelmo::linux_platform
