@@ -1,5 +1,11 @@
 target_sources(quelmo_core PRIVATE
   advisor/AIVerdict.h
+  advisor/AdvisorTexts.h advisor/AdvisorTexts.cpp
+  advisor/GenVerdict.h advisor/GenVerdict.cpp
+  advisor/JsonText.h
+  advisor/LanguageModel.h
+  advisor/LocalRuntime.h advisor/LocalRuntime.cpp
+  advisor/OllamaModel.h advisor/OllamaModel.cpp
   advisor/AIAdvisor.h advisor/AIAdvisor.cpp
   advisor/EvaluationQueue.cpp
 )

@@ -1,14 +1,97 @@
 #include "cleanup/FocusTracker.h"
 
+#include "cleanup/DesktopSession.h"
+#include "settings/SettingsKeys.h"
+
+#include <QSettings>
+#include <QVariantMap>
+#include <algorithm>
+#include <cmath>
+
 namespace quelmo {
 
-FocusTracker::FocusTracker(DesktopSession*) {}
+namespace {
+
+bool isNumber(const QVariant& value) {
+    switch (value.metaType().id()) {
+    case QMetaType::Double:
+    case QMetaType::Float:
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::LongLong:
+    case QMetaType::ULongLong:
+        return true;
+    default:
+        return false;
+    }
+}
+
+// The latest instant QDateTime can hold, in milliseconds, with room to spare.
+constexpr double maxMilliseconds = 8.0e15;
+
+} // namespace
+
+FocusTracker::FocusTracker(DesktopSession* desktop) : history_(std::make_shared<History>()) {
+    history_->load();
+    if (!desktop)
+        return;
+    if (const auto front = desktop->frontmostAppId(); front && !front->isEmpty())
+        history_->lastActive.insert(*front, nowSeconds()); // a seed, not worth a write
+
+    std::weak_ptr<History> weakHistory = history_;
+    desktop->setActivationHandler([weakHistory](const QString& appId) {
+        const std::shared_ptr<History> history = weakHistory.lock();
+        if (!history || appId.isEmpty())
+            return;
+        history->lastActive.insert(appId, nowSeconds());
+        history->save();
+    });
+}
+
+FocusTracker::~FocusTracker() = default;
 
 std::optional<QDateTime> FocusTracker::lastActive(const QString& appId) const {
-    const auto it = lastActive_.constFind(appId);
-    if (it == lastActive_.constEnd())
+    const std::optional<double> seconds = lastActiveSeconds(appId);
+    if (!seconds)
+        return std::nullopt;
+    const double ms = std::clamp(*seconds * 1000.0, -maxMilliseconds, maxMilliseconds);
+    return QDateTime::fromMSecsSinceEpoch(std::llround(ms), Qt::UTC);
+}
+
+std::optional<double> FocusTracker::lastActiveSeconds(const QString& appId) const {
+    const auto it = history_->lastActive.constFind(appId);
+    if (it == history_->lastActive.constEnd())
         return std::nullopt;
     return *it;
+}
+
+double FocusTracker::nowSeconds() {
+    return static_cast<double>(QDateTime::currentMSecsSinceEpoch()) / 1000.0;
+}
+
+void FocusTracker::History::load() {
+    const QVariant stored = QSettings().value(QLatin1String(SettingsKeys::focusLastActive));
+    if (stored.metaType().id() != QMetaType::QVariantMap)
+        return;
+    const QVariantMap map = stored.toMap();
+    QHash<QString, double> loaded;
+    for (auto it = map.constBegin(); it != map.constEnd(); ++it) {
+        // One value that is not a usable instant discards the whole stored history.
+        if (!isNumber(*it))
+            return;
+        const double seconds = it->toDouble();
+        if (!std::isfinite(seconds))
+            return;
+        loaded.insert(it.key(), seconds);
+    }
+    lastActive = std::move(loaded);
+}
+
+void FocusTracker::History::save() const {
+    QVariantMap map;
+    for (auto it = lastActive.constBegin(); it != lastActive.constEnd(); ++it)
+        map.insert(it.key(), *it);
+    QSettings().setValue(QLatin1String(SettingsKeys::focusLastActive), map);
 }
 
 } // namespace quelmo

@@ -3,21 +3,42 @@
 #include <QDateTime>
 #include <QHash>
 #include <QString>
-
+#include <memory>
 #include <optional>
 
 namespace quelmo {
 
 class DesktopSession;
 
-// When each application was last brought to the front, kept across runs.
+// When each application was last brought to the front, by desktop-entry id, kept across runs
+// under "quelmo.focus.lastActive.v1". Applications without an id are never recorded, and entries
+// are never removed. Without a desktop session there is no focus data beyond what was stored.
 class FocusTracker {
 public:
+    // Loads the stored history, records the application in front now (without saving) and starts
+    // listening for activations.
     explicit FocusTracker(DesktopSession* desktop);
+    ~FocusTracker();
+    FocusTracker(const FocusTracker&) = delete;
+    FocusTracker& operator=(const FocusTracker&) = delete;
+
+    // When `appId` was last brought to the front; nothing when it never was since tracking began.
     std::optional<QDateTime> lastActive(const QString& appId) const;
+    // The same instant as seconds since 1970-01-01 UTC, fraction included.
+    std::optional<double> lastActiveSeconds(const QString& appId) const;
+
+    // The wall clock as seconds since 1970-01-01 UTC, fraction included.
+    static double nowSeconds();
 
 private:
-    QHash<QString, QDateTime> lastActive_;
+    // Shared with the activation handler, which holds it weakly: an activation that arrives after
+    // the tracker is gone finds nothing and does nothing.
+    struct History {
+        QHash<QString, double> lastActive; // seconds since 1970-01-01 UTC
+        void load();
+        void save() const;
+    };
+    std::shared_ptr<History> history_;
 };
 
 } // namespace quelmo

@@ -3,5 +3,6 @@ target_sources(quelmo_core PRIVATE
   cleanup/DesktopSession.h
   cleanup/BaselineEngine.h cleanup/BaselineEngine.cpp
   cleanup/FocusTracker.h cleanup/FocusTracker.cpp
+  cleanup/ProtectedNames.h cleanup/ProtectedNames.cpp
   cleanup/CandidateSelection.cpp
 )

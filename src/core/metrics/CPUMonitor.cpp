@@ -27,7 +27,8 @@ CPUMonitor::Reading CPUMonitor::sample() {
         reading.perCore.reserve(ticks->size());
         for (std::size_t i = 0; i + 3 < current.size(); i += 4) {
             const auto delta = [&](std::size_t k) {
-                return static_cast<double>(static_cast<std::uint32_t>(current[i + k] - prevTicks_[i + k]));
+                return static_cast<double>(
+                    static_cast<std::uint32_t>(current[i + k] - prevTicks_[i + k]));
             };
             const double u = delta(0), s = delta(1), d = delta(2), e = delta(3);
             const double all = ((u + s) + d) + e;

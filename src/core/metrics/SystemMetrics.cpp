@@ -37,7 +37,7 @@ SystemMetrics::SystemMetrics(Platform platform, QObject* parent)
       signaller_(std::move(platform.signaller)), cpu_(std::move(platform.cpuTicks)),
       mem_(makeMemoryMonitor(std::move(platform.memory))), gpuMon_(std::move(platform.gpu)),
       power_(std::move(platform.energy), std::move(platform.clock)), procMon_(std::move(platform.processes)),
-      focus_(desktop_.get()) {
+      baseline_(QString::fromLatin1(SettingsKeys::baselines)), focus_(desktop_.get()) {
     const ChipFacts chip = platform.chip ? platform.chip->readChipFacts() : ChipFacts{};
     chipName_ = chip.name;
     coreSummary_ = ChipInfo::coreSummary(chip);

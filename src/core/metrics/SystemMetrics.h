@@ -121,6 +121,8 @@ signals:
     void sensitivityChanged();
 
 private:
+    friend class EvaluationQueueTest; // drives the queue without a full process refresh
+
     QList<CleanupCandidate> computeCleanupCandidates(const std::vector<ProcInfo>& procs) const;
     void queueAIEvaluations();
     void pumpAI();

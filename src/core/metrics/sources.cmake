@@ -8,4 +8,5 @@ target_sources(quelmo_core PRIVATE
   metrics/MemoryMonitor.h metrics/MemoryMonitor.cpp
   metrics/PowerMonitor.h metrics/PowerMonitor.cpp
   metrics/ProcessMonitor.h metrics/ProcessMonitor.cpp
+  metrics/ProcessListText.h metrics/ProcessListText.cpp
 )

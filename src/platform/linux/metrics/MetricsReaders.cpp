@@ -1,7 +1,26 @@
 #include "metrics/MetricsReaders.h"
 
+#include "metrics/ChipFactsReader.h"
+#include "metrics/CpuTicksReader.h"
+#include "metrics/EnergyReader.h"
+#include "metrics/GpuLoadReader.h"
+#include "metrics/MemInfoReader.h"
+#include "metrics/NvmlLibrary.h"
+#include "metrics/ProcfsProcessReader.h"
+
+#include <QDir>
+
 namespace quelmo::linux_platform {
 
-void addMetricsReaders(Platform&, const QString&) {}
+void addMetricsReaders(Platform& platform, const QString& root) {
+    const bool liveMachine = root.isEmpty() || QDir::cleanPath(root) == QLatin1String("/");
+    const std::shared_ptr<NvmlLibrary> nvml = liveMachine ? NvmlLibrary::load() : nullptr;
+    platform.cpuTicks = std::make_unique<CpuTicksReader>(root);
+    platform.chip = std::make_unique<ChipFactsReader>(root);
+    platform.gpu = std::make_unique<GpuLoadReader>(root, nvml);
+    platform.memory = std::make_unique<MemInfoReader>(root);
+    platform.energy = std::make_unique<EnergyReader>(root, nvml);
+    platform.processes = std::make_unique<ProcfsProcessReader>(root);
+}
 
 } // namespace quelmo::linux_platform

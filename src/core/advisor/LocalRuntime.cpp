@@ -1,0 +1,47 @@
+#include "advisor/LocalRuntime.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QHostAddress>
+#include <QStandardPaths>
+
+namespace quelmo {
+
+bool localRuntimeInstalled() {
+    if (!QStandardPaths::findExecutable(QStringLiteral("ollama")).isEmpty())
+        return true;
+    // The PATH of a desktop session often lacks the folders a manual or user install uses, and a
+    // system service may run the runtime from a place no user PATH names.
+    const QString home = QDir::homePath();
+    const QStringList places = {
+        QStringLiteral("/usr/local/bin/ollama"),
+        QStringLiteral("/usr/bin/ollama"),
+        QStringLiteral("/snap/bin/ollama"),
+        home + QStringLiteral("/.local/bin/ollama"),
+        QStringLiteral("/etc/systemd/system/ollama.service"),
+        QStringLiteral("/usr/lib/systemd/system/ollama.service"),
+        QStringLiteral("/lib/systemd/system/ollama.service"),
+        home + QStringLiteral("/.config/systemd/user/ollama.service"),
+    };
+    for (const QString& place : places)
+        if (QFileInfo::exists(place))
+            return true;
+    return false;
+}
+
+std::optional<QUrl> loopbackEndpoint(const QUrl& url) {
+    if (!url.isValid() || url.scheme() != QLatin1String("http"))
+        return std::nullopt;
+    const QString host = url.host();
+    if (host.compare(QLatin1String("localhost"), Qt::CaseInsensitive) == 0) {
+        QUrl pinned = url;
+        pinned.setHost(QStringLiteral("127.0.0.1"));
+        return pinned;
+    }
+    QHostAddress address;
+    if (address.setAddress(host) && address.isLoopback())
+        return url;
+    return std::nullopt;
+}
+
+} // namespace quelmo

@@ -1,0 +1,243 @@
+#include "metrics/ProcfsProcessReader.h"
+
+#include "metrics/KernelText.h"
+#include "metrics/ProcessToolRunner.h"
+
+#include <array>
+#include <cerrno>
+#include <charconv>
+#include <cstdio>
+#include <dirent.h>
+#include <fcntl.h>
+#include <pwd.h>
+#include <unistd.h>
+#include <vector>
+
+namespace quelmo::linux_platform {
+
+namespace {
+
+constexpr std::size_t kernelCommLength = 15; // TASK_COMM_LEN without its terminating zero
+
+// The contents of `name` under the directory `dir`, at most `buffer.size()` bytes, in a single
+// read (procfs hands a file over in one); nothing when it cannot be opened or read, as when the
+// process has gone.
+template <std::size_t N>
+std::optional<std::string_view> readInto(int dir, const char* name, std::array<char, N>& buffer) {
+    int fd = -1;
+    do {
+        fd = ::openat(dir, name, O_RDONLY | O_CLOEXEC | O_NOCTTY);
+    } while (fd < 0 && errno == EINTR);
+    if (fd < 0)
+        return std::nullopt;
+    ssize_t n = 0;
+    do {
+        n = ::read(fd, buffer.data(), buffer.size());
+    } while (n < 0 && errno == EINTR);
+    ::close(fd);
+    if (n < 0)
+        return std::nullopt;
+    return std::string_view(buffer.data(), static_cast<std::size_t>(n));
+}
+
+bool allDigits(std::string_view text) {
+    if (text.empty())
+        return false;
+    for (const char c : text) {
+        if (c < '0' || c > '9')
+            return false;
+    }
+    return true;
+}
+
+} // namespace
+
+std::optional<QString> systemUserName(std::uint32_t uid) {
+    std::vector<char> buffer(16384);
+    passwd entry{};
+    passwd* found = nullptr;
+    int error = 0;
+    while ((error = ::getpwuid_r(uid, &entry, buffer.data(), buffer.size(), &found)) == ERANGE &&
+           buffer.size() < (1u << 20))
+        buffer.resize(buffer.size() * 2);
+    if (error != 0 || !found || !found->pw_name)
+        return std::nullopt;
+    return QString::fromUtf8(found->pw_name);
+}
+
+std::optional<ProcStat> parseProcStat(std::string_view stat) {
+    const std::size_t open = stat.find('(');
+    const std::size_t close = stat.rfind(')');
+    if (open == std::string_view::npos || close == std::string_view::npos || close < open)
+        return std::nullopt;
+    ProcStat parsed;
+    parsed.comm = stat.substr(open + 1, close - open - 1);
+
+    // Fields after the name, counted from 0: state is field 3 of the kernel's numbering.
+    constexpr int utime = 14 - 3, stime = 15 - 3, starttime = 22 - 3, rss = 24 - 3;
+    std::size_t pos = close + 1;
+    std::uint64_t user = 0, system = 0;
+    for (int field = 0; field <= rss; ++field) {
+        const auto word = nextWord(stat, pos);
+        if (!word)
+            return std::nullopt;
+        std::uint64_t* const target = field == utime       ? &user
+                                      : field == stime     ? &system
+                                      : field == starttime ? &parsed.startTime
+                                      : field == rss       ? &parsed.rssPages
+                                                           : nullptr;
+        if (!target)
+            continue;
+        const auto value = parseUnsigned(trimmed(*word));
+        if (!value)
+            return std::nullopt;
+        *target = *value;
+    }
+    parsed.cpuTicks = user + system;
+    return parsed;
+}
+
+std::optional<std::uint32_t> parseStatusUid(std::string_view status) {
+    std::size_t pos = 0;
+    while (const auto line = nextLine(status, pos)) {
+        if (line->substr(0, 4) != "Uid:")
+            continue;
+        std::size_t at = 4;
+        nextWord(*line, at); // real
+        const auto effective = nextWord(*line, at);
+        const auto uid = effective ? parseUnsigned(trimmed(*effective)) : std::nullopt;
+        if (!uid || *uid > UINT32_MAX)
+            return std::nullopt;
+        return static_cast<std::uint32_t>(*uid);
+    }
+    return std::nullopt;
+}
+
+QString processName(std::string_view comm, std::string_view cmdline) {
+    std::string_view name = comm;
+    if (comm.size() == kernelCommLength && !cmdline.empty()) {
+        const std::size_t end = cmdline.find('\0');
+        std::string_view first = cmdline.substr(0, end);
+        // A process that rewrote its command line into one string keeps its arguments after
+        // spaces in it; the name then stops at the first space past the kernel's part.
+        const bool rewritten = end == std::string_view::npos || end + 1 >= cmdline.size();
+        const std::size_t slash = first.rfind('/');
+        if (slash != std::string_view::npos)
+            first.remove_prefix(slash + 1);
+        if (first.substr(0, comm.size()) == comm) {
+            if (rewritten)
+                first = first.substr(0, first.find(' ', comm.size()));
+            name = first;
+        }
+    }
+    std::string printable(name);
+    for (char& c : printable) {
+        if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f)
+            c = '?';
+    }
+    return QString::fromUtf8(printable.data(), static_cast<qsizetype>(printable.size()));
+}
+
+ProcfsProcessReader::ProcfsProcessReader(const QString& root, UserLookup lookup)
+    : procPath_(rootedPath(root, "proc")), toolPath_(rootedPath(root, "bin/ps")),
+      uptime_(rootedPath(root, "proc/uptime")), lookup_(std::move(lookup)) {
+    if (const long hz = ::sysconf(_SC_CLK_TCK); hz > 0)
+        ticksPerSecond_ = static_cast<std::uint64_t>(hz);
+    if (const long page = ::sysconf(_SC_PAGESIZE); page > 0)
+        pageSize_ = static_cast<double>(page);
+}
+
+ProcfsProcessReader::~ProcfsProcessReader() {
+    if (proc_)
+        ::closedir(proc_);
+}
+
+std::optional<ProcessTable> ProcfsProcessReader::readTable() {
+    if (!proc_)
+        proc_ = ::opendir(procPath_.c_str());
+    if (!proc_)
+        return std::nullopt;
+    ::rewinddir(proc_);
+
+    ProcessTable table;
+    table.ticksPerSecond = ticksPerSecond_;
+    if (const auto text = uptime_.read()) {
+        std::size_t pos = 0;
+        if (const auto word = nextWord(*text, pos)) {
+            double seconds = 0;
+            const auto [end, error] =
+                std::from_chars(word->data(), word->data() + word->size(), seconds);
+            if (error == std::errc() && seconds >= 0)
+                table.uptimeSeconds = seconds;
+        }
+    }
+
+    bool listedAny = false;
+    while (const dirent* entry = ::readdir(proc_)) {
+        const std::string_view name(entry->d_name);
+        if (!allDigits(name))
+            continue;
+        listedAny = true;
+        if (auto record = readProcess(name))
+            table.processes.push_back(std::move(*record));
+    }
+    // An empty directory is an unmounted /proc: this machine has no table to give.
+    if (!listedAny)
+        return std::nullopt;
+    return table;
+}
+
+std::optional<ProcessRecord> ProcfsProcessReader::readProcess(std::string_view pid) {
+    const auto id = parseUnsigned(pid);
+    if (!id || *id > static_cast<std::uint64_t>(INT64_MAX))
+        return std::nullopt;
+    const int dir = ::dirfd(proc_);
+    std::array<char, 48> path{};
+    const auto file = [&](const char* leaf) {
+        std::snprintf(path.data(), path.size(), "%.*s/%s", static_cast<int>(pid.size()), pid.data(),
+                      leaf);
+        return path.data();
+    };
+
+    std::array<char, 4096> statBuffer;
+    const auto statText = readInto(dir, file("stat"), statBuffer);
+    const auto stat = statText ? parseProcStat(*statText) : std::nullopt;
+    if (!stat)
+        return std::nullopt;
+
+    std::array<char, 1024> statusBuffer; // the Uid line comes within the first few hundred bytes
+    const auto status = readInto(dir, file("status"), statusBuffer);
+    if (!status)
+        return std::nullopt; // gone between the two reads
+
+    ProcessRecord record;
+    record.pid = static_cast<qint64>(*id);
+    if (stat->comm.size() == kernelCommLength) {
+        std::array<char, 4096> cmdlineBuffer;
+        const auto cmdline = readInto(dir, file("cmdline"), cmdlineBuffer);
+        record.name = processName(stat->comm, cmdline.value_or(std::string_view()));
+    } else {
+        record.name = processName(stat->comm, {});
+    }
+    if (const auto uid = parseStatusUid(*status))
+        record.user = userName(*uid);
+    record.cpuTicks = stat->cpuTicks;
+    record.startTime = stat->startTime;
+    record.rssBytes = static_cast<double>(stat->rssPages) * pageSize_;
+    return record;
+}
+
+const QString& ProcfsProcessReader::userName(std::uint32_t uid) {
+    auto found = users_.find(uid);
+    if (found == users_.end()) {
+        std::optional<QString> name = lookup_ ? lookup_(uid) : std::nullopt;
+        found = users_.insert(uid, name.value_or(QString::number(uid)));
+    }
+    return *found;
+}
+
+std::optional<QByteArray> ProcfsProcessReader::runProcessTool() {
+    return runProcessListingTool(toolPath_);
+}
+
+} // namespace quelmo::linux_platform
