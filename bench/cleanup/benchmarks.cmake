@@ -13,7 +13,8 @@ if(TARGET quelmo_x11_harness AND TARGET quelmo_x11_test_client)
     ${CMAKE_CURRENT_LIST_DIR}/BenchMain.cpp
     ${CMAKE_CURRENT_LIST_DIR}/DesktopBenchEnvironment.h
     ${CMAKE_CURRENT_LIST_DIR}/DesktopBenchEnvironment.cpp
-    ${CMAKE_CURRENT_LIST_DIR}/DesktopSessionBench.cpp)
+    ${CMAKE_CURRENT_LIST_DIR}/DesktopSessionBench.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/DetectionBench.cpp)
   target_link_libraries(bench_cleanup PRIVATE quelmo_platform_linux quelmo_x11_harness
     benchmark::benchmark)
   add_dependencies(bench_cleanup quelmo_x11_test_client)

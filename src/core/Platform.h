@@ -3,6 +3,7 @@
 // Everything the hub needs from the machine, handed over at construction. The application builds
 // it from the Linux readers; tests build it from fakes. A missing source reads as neutral.
 
+#include "advisor/LanguageModel.h"
 #include "cleanup/DesktopSession.h"
 #include "metrics/PowerMonitor.h"
 #include "metrics/sources/SystemSources.h"
@@ -21,6 +22,7 @@ struct Platform {
     std::unique_ptr<DesktopSession> desktop;
     std::unique_ptr<SystemInfo> system;
     std::unique_ptr<ProcessSignaller> signaller;
+    std::unique_ptr<LanguageModel> model; // the local language model; none: the advisor is off
     PowerMonitor::Clock clock = PowerMonitor::monotonicSeconds; // seconds, monotonic
 };
 

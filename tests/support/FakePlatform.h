@@ -12,10 +12,11 @@ namespace quelmo::test {
 struct ScriptedCpuTicks : CpuTicksSource {
     std::deque<std::optional<std::vector<CpuTicks>>> script;
     std::optional<std::vector<CpuTicks>> readTicks() override {
-        if (script.empty())
-            return std::nullopt;
-        auto next = std::move(script.front());
-        script.pop_front();
+        std::optional<std::vector<CpuTicks>> next;
+        if (!script.empty()) {
+            next.swap(script.front());
+            script.pop_front();
+        }
         return next;
     }
 };
@@ -42,10 +43,11 @@ struct ScriptedEnergy : EnergySource {
     std::deque<std::optional<std::vector<EnergyChannel>>> script;
     bool available() override { return isAvailable; }
     std::optional<std::vector<EnergyChannel>> readChannels() override {
-        if (script.empty())
-            return std::nullopt;
-        auto next = std::move(script.front());
-        script.pop_front();
+        std::optional<std::vector<EnergyChannel>> next;
+        if (!script.empty()) {
+            next.swap(script.front());
+            script.pop_front();
+        }
         return next;
     }
 };

@@ -1,5 +1,6 @@
 target_sources(quelmo_core PRIVATE
   advisor/AIVerdict.h
+  advisor/NoLanguageModel.h
   advisor/AdvisorTexts.h advisor/AdvisorTexts.cpp
   advisor/GenVerdict.h advisor/GenVerdict.cpp
   advisor/JsonText.h

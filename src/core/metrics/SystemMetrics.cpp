@@ -1,11 +1,11 @@
 #include "metrics/SystemMetrics.h"
 
+#include "advisor/NoLanguageModel.h"
 #include "metrics/ChipInfo.h"
 #include "settings/SettingsKeys.h"
 
 #include <QPointer>
 #include <QSettings>
-
 #include <algorithm>
 #include <cmath>
 
@@ -36,14 +36,16 @@ SystemMetrics::SystemMetrics(Platform platform, QObject* parent)
     : QObject(parent), desktop_(std::move(platform.desktop)), system_(std::move(platform.system)),
       signaller_(std::move(platform.signaller)), cpu_(std::move(platform.cpuTicks)),
       mem_(makeMemoryMonitor(std::move(platform.memory))), gpuMon_(std::move(platform.gpu)),
-      power_(std::move(platform.energy), std::move(platform.clock)), procMon_(std::move(platform.processes)),
+      power_(std::move(platform.energy), std::move(platform.clock)),
+      procMon_(std::move(platform.processes)),
       baseline_(QString::fromLatin1(SettingsKeys::baselines)), focus_(desktop_.get()) {
     const ChipFacts chip = platform.chip ? platform.chip->readChipFacts() : ChipFacts{};
     chipName_ = chip.name;
     coreSummary_ = ChipInfo::coreSummary(chip);
     memoryGB_ = mem_.total() * (1.0 / 1073741824.0);
 
-    advisor_ = new AIAdvisor(this);
+    advisor_ = new AIAdvisor(
+        platform.model ? std::move(platform.model) : std::make_unique<NoLanguageModel>(), this);
     aiStatus_ = advisor_->status();
 
     // A stored value that is not a finite number is ignored and left as it is.
@@ -103,9 +105,13 @@ void SystemMetrics::update() {
 void SystemMetrics::refreshProcesses() {
     const std::vector<ProcInfo> snapshot = procMon_.snapshot();
     baseline_.observe(snapshot);
-    publish(topCPU_, topRows(snapshot, [](const ProcInfo& p) { return p.cpu; }, 5),
+    publish(topCPU_,
+            topRows(
+                snapshot, [](const ProcInfo& p) { return p.cpu; }, 5),
             &SystemMetrics::topCPUChanged);
-    publish(topMem_, topRows(snapshot, [](const ProcInfo& p) { return p.rss; }, 5),
+    publish(topMem_,
+            topRows(
+                snapshot, [](const ProcInfo& p) { return p.rss; }, 5),
             &SystemMetrics::topMemChanged);
     publish(cleanupCandidates_, computeCleanupCandidates(snapshot),
             &SystemMetrics::cleanupCandidatesChanged);

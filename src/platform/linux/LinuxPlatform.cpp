@@ -1,5 +1,6 @@
 #include "LinuxPlatform.h"
 
+#include "advisor/OllamaModel.h"
 #include "desktop/DesktopServices.h"
 #include "metrics/MetricsReaders.h"
 
@@ -9,6 +10,7 @@ Platform makePlatform(const QString& root) {
     Platform platform;
     addMetricsReaders(platform, root);
     addDesktopServices(platform, root);
+    platform.model = std::make_unique<OllamaModel>(); // the local runtime, on loopback only
     return platform;
 }
 
