@@ -81,8 +81,8 @@ void fillFromResourceExtension(XcbConnection& x, const std::vector<xcb_window_t>
     for (std::size_t i = 0; i < windows.size(); ++i) {
         if (pids[i])
             continue;
-        xcb_res_client_id_spec_t spec{windows[i], XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
-        asked.emplace_back(i, xcb_res_query_client_ids(x.raw(), 1, &spec));
+        xcb_res_client_id_spec_t pidQuery{windows[i], XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
+        asked.emplace_back(i, xcb_res_query_client_ids(x.raw(), 1, &pidQuery));
     }
     for (const auto& [index, cookie] : asked) {
         const XcbReply<xcb_res_query_client_ids_reply_t> reply(
