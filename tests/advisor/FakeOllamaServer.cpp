@@ -4,7 +4,7 @@
 #include <QDeadlineTimer>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QPointer>
+#include <QRegularExpression>
 #include <QTcpSocket>
 #include <QTimer>
 
@@ -12,125 +12,58 @@ namespace quelmo::test {
 
 FakeOllamaServer::FakeOllamaServer() {
     server_.listen(QHostAddress::LocalHost, 0);
-    connect(&server_, &QTcpServer::newConnection, this, [this] {
-        while (QTcpSocket* socket = server_.nextPendingConnection()) {
-            connect(socket, &QTcpSocket::readyRead, this, [this, socket] { serve(socket); });
-            connect(socket, &QTcpSocket::disconnected, this, [this, socket] {
-                buffers_.remove(socket);
-                socket->deleteLater();
-            });
-        }
+    QObject::connect(&server_, &QTcpServer::newConnection, &server_, [this] {
+        QTcpSocket* socket = server_.nextPendingConnection();
+        QObject::connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+        QObject::connect(
+            socket, &QTcpSocket::readyRead, socket,
+            [this, socket, buffer = QByteArray()]() mutable { serve(socket, buffer); });
     });
 }
 
-FakeOllamaServer::~FakeOllamaServer() {
-    // The connections go first, while the bookkeeping their handlers touch still exists.
-    server_.close();
-    for (QTcpSocket* socket : server_.findChildren<QTcpSocket*>()) {
-        socket->disconnect(this);
-        delete socket;
-    }
-}
-
-QUrl FakeOllamaServer::url() const {
-    return QUrl(QStringLiteral("http://127.0.0.1:%1").arg(server_.serverPort()));
-}
-
-void FakeOllamaServer::on(const QByteArray& method, const QByteArray& path, Handler handler) {
-    handlers_.insert(method + ' ' + path, std::move(handler));
-}
-
-void FakeOllamaServer::on(const QByteArray& method, const QByteArray& path, Answer answer) {
-    on(method, path, [answer](const Request&) { return answer; });
+void FakeOllamaServer::serve(QTcpSocket* socket, QByteArray& buffer) {
+    // One request at a time: the client sends the next only after this one's answer.
+    static const QRegularExpression lengthHeader("\r\ncontent-length: *(\\d+)",
+                                                 QRegularExpression::CaseInsensitiveOption);
+    buffer += socket->readAll();
+    const qsizetype end = buffer.indexOf("\r\n\r\n");
+    const qsizetype length =
+        lengthHeader.match(QString::fromLatin1(buffer.left(end))).captured(1).toLongLong();
+    if (end < 0 || buffer.size() < end + 4 + length)
+        return; // more is on its way
+    // The request line up to the path: "POST /api/chat".
+    requests << buffer.left(buffer.indexOf(' ', buffer.indexOf(' ') + 1));
+    lastBody = buffer.mid(end + 4, length);
+    buffer.clear();
+    Answer answer = answers_.value(requests.last(), Answer{404, "{}"});
+    const QString model = QJsonDocument::fromJson(lastBody)["model"].toString();
+    if (requests.last() == "POST /api/show" && capabilities_.contains(model))
+        answer = Answer{200, "{\"capabilities\":" + capabilities_.value(model) + "}"};
+    const QByteArray response =
+        "HTTP/1.1 " + QByteArray::number(answer.status) +
+        " Scripted\r\nContent-Length: " + QByteArray::number(answer.body.size()) + "\r\n\r\n" +
+        answer.body;
+    // Timed on the socket, so that the write is dropped with a connection the client has closed.
+    QTimer::singleShot(answer.delayMs, socket, [socket, response] { socket->write(response); });
 }
 
 void FakeOllamaServer::serveModels(const QByteArray& loaded, const QByteArray& installed,
                                    QHash<QString, QByteArray> capabilities) {
-    on("GET", "/api/ps", reply(200, "{\"models\":" + loaded + "}"));
-    on("GET", "/api/tags", reply(200, "{\"models\":" + installed + "}"));
-    on("POST", "/api/show", [capabilities](const Request& request) {
-        const QString model =
-            QJsonDocument::fromJson(request.body).object().value("model").toString();
-        if (!capabilities.contains(model))
-            return reply(404, "{\"error\":\"not found\"}");
-        return reply(200, "{\"capabilities\":" + capabilities.value(model) + "}");
-    });
-}
-
-FakeOllamaServer::Answer FakeOllamaServer::reply(int status, const QByteArray& body) {
-    Answer answer;
-    answer.status = status;
-    answer.body = body;
-    return answer;
+    on("GET", "/api/ps", Answer{200, "{\"models\":" + loaded + "}"});
+    on("GET", "/api/tags", Answer{200, "{\"models\":" + installed + "}"});
+    capabilities_ = std::move(capabilities);
 }
 
 FakeOllamaServer::Answer FakeOllamaServer::chatAnswer(const QByteArray& content) {
-    QJsonObject message{{"role", "assistant"}, {"content", QString::fromUtf8(content)}};
-    QJsonObject body{{"model", "m"}, {"message", message}, {"done", true}};
-    return reply(200, QJsonDocument(body).toJson(QJsonDocument::Compact));
-}
-
-QList<FakeOllamaServer::Request> FakeOllamaServer::requestsTo(const QByteArray& path) const {
-    QList<Request> found;
-    for (const Request& r : requests)
-        if (r.path == path)
-            found << r;
-    return found;
-}
-
-void FakeOllamaServer::serve(QTcpSocket* socket) {
-    QByteArray& buffer = buffers_[socket];
-    buffer += socket->readAll();
-    for (;;) {
-        const qsizetype headerEnd = buffer.indexOf("\r\n\r\n");
-        if (headerEnd < 0)
-            return;
-        const QList<QByteArray> lines = buffer.left(headerEnd).split('\n');
-        const QList<QByteArray> requestLine = lines.value(0).trimmed().split(' ');
-        qsizetype length = 0;
-        for (const QByteArray& line : lines)
-            if (line.toLower().startsWith("content-length:"))
-                length = line.mid(15).trimmed().toLongLong();
-        if (buffer.size() < headerEnd + 4 + length)
-            return;
-        Request request{requestLine.value(0), requestLine.value(1),
-                        buffer.mid(headerEnd + 4, length)};
-        buffer.remove(0, headerEnd + 4 + length);
-        requests << request;
-
-        const auto handler = handlers_.constFind(request.method + ' ' + request.path);
-        const Answer answer = handler != handlers_.constEnd()
-                                  ? (*handler)(request)
-                                  : reply(404, "{\"error\":\"not found\"}");
-        if (answer.never)
-            continue;
-        const QByteArray response =
-            "HTTP/1.1 " + QByteArray::number(answer.status) +
-            " Scripted\r\nContent-Type: application/json\r\n" + answer.extraHeaders +
-            "Content-Length: " + QByteArray::number(answer.body.size()) + "\r\n\r\n" + answer.body;
-        QPointer<QTcpSocket> target(socket);
-        QTimer::singleShot(answer.delayMs, this, [target, response] {
-            if (target && target->state() == QAbstractSocket::ConnectedState)
-                target->write(response);
-        });
-    }
+    const QJsonObject message{{"role", "assistant"}, {"content", QString::fromUtf8(content)}};
+    return Answer{200, QJsonDocument(QJsonObject{{"message", message}}).toJson()};
 }
 
 bool waitUntil(const std::function<bool()>& done, int timeoutMs) {
     const QDeadlineTimer deadline(timeoutMs);
-    while (!done()) {
-        if (deadline.hasExpired())
-            return false;
+    while (!done() && !deadline.hasExpired())
         QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 20);
-    }
-    return true;
-}
-
-void settle(int ms) {
-    const QDeadlineTimer deadline(ms);
-    do
-        QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 10);
-    while (!deadline.hasExpired());
+    return done();
 }
 
 } // namespace quelmo::test

@@ -1,39 +1,35 @@
 #include "QtPrinting.h"
+#include "advisor/AIAdvisor.h"
 #include "advisor/AdvisorTexts.h"
+#include "advisor/GenVerdict.h"
 
 #include <QCryptographicHash>
-#include <QStringList>
 #include <gtest/gtest.h>
 
 using namespace quelmo;
-using namespace Qt::StringLiterals;
 
 namespace {
 
-QByteArray sha256(const QString& text) {
-    return QCryptographicHash::hash(text.toUtf8(), QCryptographicHash::Sha256).toHex();
+std::string sha256(const QString& text) {
+    return QCryptographicHash::hash(text.toUtf8(), QCryptographicHash::Sha256).toHex().data();
 }
 
-QString signalLine(std::optional<double> idle, bool korean) {
-    return buildPrompt("x", 0, 0, "r", idle, false, korean).split('\n').value(2);
+// The model's answers were tuned against exactly these bytes, so a digest of the whole text is
+// the comparison: any changed, added or dropped byte (a trailing line feed too) fails it.
+TEST(AdvisorTexts, InstructionsAndSchemaAreTheExactBytes) {
+    EXPECT_EQ(advisorInstructions(false).toUtf8().size(), 849);
+    EXPECT_EQ(advisorInstructions(true).toUtf8().size(), 996);
+    EXPECT_EQ(sha256(advisorInstructions(false)),
+              "568a3022749b38929a957b9116bdcc2e36f1c001d19508e68d05072dcec92561");
+    EXPECT_EQ(sha256(advisorInstructions(true)),
+              "53ad4799fe6f9f7b04e8b46237e5adc5b51c47dea868492076208998edb62d80");
+    // The four properties in their order, with their types and guides and no other constraint,
+    // shown to the model after the candidate prompt and one blank line.
+    EXPECT_EQ(sha256(GenVerdict::promptWithSchema("P")),
+              "1ae32a4fdaef5b865ecce6471e3e03d46a1668edf8151bbff141ac130bc82948");
 }
 
-TEST(AdvisorTexts, InstructionsAreTheExactBytes) {
-    const QString english = advisorInstructions(false);
-    const QString korean = advisorInstructions(true);
-    EXPECT_EQ(english.toUtf8().size(), 849);
-    EXPECT_EQ(korean.toUtf8().size(), 996);
-    EXPECT_EQ(sha256(english), "568a3022749b38929a957b9116bdcc2e36f1c001d19508e68d05072dcec92561");
-    EXPECT_EQ(sha256(korean), "53ad4799fe6f9f7b04e8b46237e5adc5b51c47dea868492076208998edb62d80");
-    for (const QString& text : {english, korean}) {
-        const QStringList lines = text.split('\n');
-        ASSERT_EQ(lines.size(), 12); // so no line feed after the last line
-        EXPECT_TRUE(lines[3].isEmpty() && lines[9].isEmpty());
-        EXPECT_TRUE(lines[10].contains(u"\u2014 SAFE / CAUTION / DANGER."));
-    }
-}
-
-TEST(AdvisorTexts, PromptsMatchTheWorkedExamples) {
+TEST(AdvisorTexts, PromptsMatchTheWorkedExamplesAndTheIdleBoundaries) {
     EXPECT_EQ(buildPrompt("Preview", 0.3, 180.6, "Unused app", 125.5, false, false),
               "App/process: 'Preview'\n"
               "Behavior signals:\n"
@@ -42,35 +38,43 @@ TEST(AdvisorTexts, PromptsMatchTheWorkedExamples) {
               "- CPU 0%, RAM 180MB\n"
               "- Detection reason: 'Unused app'\n"
               "Decide whether it's unused and safe to close (cut), or should stay (keep).");
-    EXPECT_EQ(buildPrompt("Preview", 12.9, 2048.7, u"안 쓰는 앱"_s, 125.5, true, true),
-              u"앱/프로세스: 'Preview'\n"
-              u"행동 신호:\n"
-              u"- 마지막으로 본 지 2시간 5분 전\n"
-              u"- 화면에 보이는 창: 있음\n"
-              u"- CPU 12%, RAM 2048MB\n"
-              u"- 탐지 사유: '안 쓰는 앱'\n"
-              u"지금 안 쓰는 거라 닫아도 되는지(cut), 아니면 켜둬야 하는지(keep) 판단해줘."_s);
+    // The Korean twin, with a window and figures of two and four digits, whose text is
+    //   앱/프로세스: 'Preview'
+    //   행동 신호:
+    //   - 마지막으로 본 지 2시간 5분 전
+    //   - 화면에 보이는 창: 있음
+    //   - CPU 12%, RAM 2048MB
+    //   - 탐지 사유: '안 쓰는 앱'
+    //   지금 안 쓰는 거라 닫아도 되는지(cut), 아니면 켜둬야 하는지(keep) 판단해줘.
+    EXPECT_EQ(sha256(buildPrompt("Preview", 12.9, 2048.7, "안 쓰는 앱", 125.5, true, true)),
+              "409fc201d71b54f0aa6f7588ce4bc44181e4f7d30d66aa0f94f847f0ade2cb70");
+
+    const std::tuple<std::optional<double>, bool, const char*> idleLines[] = {
+        {59.99, false, "- Last seen 59m ago"},
+        {60.0, false, "- Last seen 1h 0m ago"},
+        {119.999, false, "- Last seen 1h 59m ago"},
+        {std::nullopt, false, "- Never brought to front this session"},
+        {59.99, true, "- 마지막으로 본 지 59분 전"},
+        {std::nullopt, true, "- 이번 세션에서 한 번도 앞에 띄운 적 없음"}};
+    for (const auto& [idle, korean, line] : idleLines)
+        EXPECT_EQ(buildPrompt("x", 0, 0, "r", idle, false, korean).split('\n').value(2), line);
+    EXPECT_EQ(wholeNumber(-0.4), "0"); // never "-0"
 }
 
-TEST(AdvisorTexts, IdlePhrasingAtTheHourAndMinuteBoundaries) {
-    EXPECT_EQ(signalLine(59.99, false), "- Last seen 59m ago");
-    EXPECT_EQ(signalLine(60.0, false), "- Last seen 1h 0m ago");
-    EXPECT_EQ(signalLine(0.5, false), "- Last seen 0m ago");
-    EXPECT_EQ(signalLine(119.999, false), "- Last seen 1h 59m ago");
-    EXPECT_EQ(signalLine(std::nullopt, false), "- Never brought to front this session");
-    EXPECT_EQ(signalLine(59.99, true), u"- 마지막으로 본 지 59분 전"_s);
-    EXPECT_EQ(signalLine(60.0, true), u"- 마지막으로 본 지 1시간 0분 전"_s);
-    EXPECT_EQ(signalLine(std::nullopt, true), u"- 이번 세션에서 한 번도 앞에 띄운 적 없음"_s);
-}
-
-TEST(AdvisorTexts, NumbersTruncateAndTextsGoInUnescaped) {
-    const QString prompt =
-        buildPrompt("Bob's \"App\"", 150.7, 0.9, "it's", std::nullopt, true, false);
-    EXPECT_TRUE(prompt.startsWith("App/process: 'Bob's \"App\"'\n"));
-    EXPECT_TRUE(prompt.contains("\n- Visible window on screen: yes\n- CPU 150%, RAM 0MB\n"));
-    EXPECT_TRUE(prompt.contains("- Detection reason: 'it's'\n"));
-    EXPECT_EQ(wholeNumber(-2.9), "-2");
-    EXPECT_EQ(wholeNumber(-0.4), "0");
+// Each answer maps one way under the right order of tests and another way under a wrong one.
+TEST(AIAdvisor, NormalizersTestDangerAndCautionBeforeSafeAndKeepBeforeCut) {
+    const auto risk = &AIAdvisor::normalizeRisk;
+    const auto rec = &AIAdvisor::normalizeRec;
+    const std::tuple<QString (*)(const QString&), const char*, QStringList> rows[] = {
+        {risk, "위험", {"DANGER", "safe, not dangerous", "주의, 위험할 수도"}},
+        {risk, "주의", {"CAUTION", "Warning", "", "Safe with caution", "안전하지만 주의"}},
+        {risk, "안전", {"SAFE", "unsafe", "안전"}},
+        {rec, "keep", {"Keep running", "close", "", "cut, don't keep", "켜둘 것", "유지"}},
+        {rec, "keep", {"둘 다 닫기"}},
+        {rec, "cut", {"cut", "CUT", "scuttle", "닫아도 됨", "자르기"}}};
+    for (const auto& [normalize, expected, answers] : rows)
+        for (const QString& answer : answers)
+            EXPECT_EQ(normalize(answer), expected) << answer.toStdString();
 }
 
 } // namespace
