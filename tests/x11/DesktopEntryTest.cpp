@@ -1,5 +1,5 @@
 // Desktop-entry files: parsing, the choice of a localised name, and the index of installed
-// applications with its precedence rules and refresh.
+// applications with its precedence rules, window-class matching and refresh.
 
 #include "desktop/DesktopEntry.h"
 
@@ -7,158 +7,91 @@
 #include "desktop/AppIdentity.h"
 #include "desktop/DesktopEntryIndex.h"
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 namespace quelmo::linux_platform {
 namespace {
 
-TEST(DesktopEntry, KeepsOnlyTheMainGroupWithValuesUnescaped) {
-    const auto entry = parseDesktopEntry("# comment\n"
-                                         "[Something Else]\nName=Wrong\n"
-                                         "[Desktop Entry]\n"
-                                         "  Name = Text\\sEditor  \n"
-                                         "Name=Duplicate\n"
-                                         "Comment=line\\none\\ttab\\\\slash\\;kept\n"
-                                         "Broken line without equals\n"
-                                         "=no key\n"
-                                         "[Desktop Action new]\nName=New Window\n");
-    ASSERT_TRUE(entry);
-    EXPECT_EQ(entry->value(QStringLiteral("Name")), QStringLiteral("Text Editor"));
-    EXPECT_EQ(entry->value(QStringLiteral("Comment")),
-              QStringLiteral("line\none\ttab\\slash\\;kept"));
-    EXPECT_EQ(entry->values.size(), 2);
-
-    EXPECT_FALSE(parseDesktopEntry("[Desktop Action x]\nName=A\n"));
-    EXPECT_FALSE(parseDesktopEntry(QByteArrayView("\xff\xfe\0garbage", 10)));
-}
-
-TEST(DesktopEntry, NameFollowsTheInterfaceLanguage) {
-    const auto entry = parseDesktopEntry("[Desktop Entry]\nName=Editor\n"
+TEST(DesktopEntry, MainGroupFirstKeyUnescapedAndNameInTheInterfaceLanguage) {
+    const auto entry = parseDesktopEntry("[Something Else]\nName=Wrong\n[Desktop Entry]\n"
+                                         "  Name = Text\\sEditor  \nName=Duplicate\n"
+                                         "Comment=a\\nb\\\\c\\;d\n"
                                          "Name[ko_KR]=편집기 KR\nName[ko]=편집기\n"
                                          "Name[sr]=Uređivač\nName[sr@latin]=Latinica\n"
-                                         "Name[de_AT]=Editor AT\n");
+                                         "Name[de_AT]=Editor AT\n[Desktop Action new]\nIcon=new\n");
     ASSERT_TRUE(entry);
-    const QString name = QStringLiteral("Name");
-    const auto pick = [&](const char* lang, const char* messages) {
-        return localizedValue(*entry, name, QString::fromLatin1(lang),
+    EXPECT_EQ(entry->value(QStringLiteral("Comment")), QStringLiteral("a\nb\\c\\;d"));
+    EXPECT_FALSE(entry->values.contains(QStringLiteral("Icon")));
+    EXPECT_FALSE(parseDesktopEntry("[Desktop Action x]\nName=A\n"));
+    const auto name = [&](const char* lang, const char* messages) {
+        return localizedValue(*entry, QStringLiteral("Name"), QString::fromLatin1(lang),
                               LocaleName::fromPosix(QString::fromLatin1(messages)));
     };
-    // The user's own locale variant comes first when it is in the interface language.
-    EXPECT_EQ(pick("ko", "ko_KR.UTF-8"), QStringLiteral("편집기 KR"));
-    // Korean interface on an English system: the plain language key.
-    EXPECT_EQ(pick("ko", "en_US.UTF-8"), QStringLiteral("편집기"));
-    EXPECT_EQ(pick("sr", "sr_RS.UTF-8@latin"), QStringLiteral("Latinica"));
-    EXPECT_EQ(pick("sr", "C"), QStringLiteral("Uređivač"));
-    // Only a country variant exists: still better than the untranslated name.
-    EXPECT_EQ(pick("de", "C"), QStringLiteral("Editor AT"));
-    EXPECT_EQ(pick("en", "ko_KR.UTF-8"), QStringLiteral("Editor"));
-
-    const auto noName = parseDesktopEntry("[Desktop Entry]\nName[ko]=only\n");
-    EXPECT_FALSE(localizedValue(*noName, name, QStringLiteral("en"), {}));
+    EXPECT_EQ(name("ko", "ko_KR.UTF-8"), QStringLiteral("편집기 KR")); // the user's own variant
+    EXPECT_EQ(name("ko", "en_US.UTF-8"), QStringLiteral("편집기"));
+    EXPECT_EQ(name("sr", "sr_RS.UTF-8@latin"), QStringLiteral("Latinica"));
+    EXPECT_EQ(name("sr", "C"), QStringLiteral("Uređivač"));
+    EXPECT_EQ(name("de", "C"), QStringLiteral("Editor AT")); // any variant beats no translation
+    EXPECT_EQ(name("en", "ko_KR.UTF-8"), QStringLiteral("Text Editor"));
 }
 
 class DesktopEntryIndexTest : public ::testing::Test {
 protected:
     test::FixtureTree tree;
-    QStringList dirs() const {
-        return {tree.path(QStringLiteral("home")), tree.path(QStringLiteral("usr"))};
+    DesktopEntryIndex index{{tree.path(QStringLiteral("home")), tree.path(QStringLiteral("usr"))}};
+    void app(const char* file, const char* extra = "") {
+        tree.write(QLatin1String(file),
+                   QByteArray("[Desktop Entry]\nType=Application\nName=") + file + "\n" + extra);
     }
-    static QByteArray app(const char* name, const char* extra = "") {
-        return QByteArray("[Desktop Entry]\nType=Application\nName=") + name + "\n" + extra;
+    QString nameOf(const char* id) {
+        const InstalledApp* found = index.find(QString::fromLatin1(id));
+        return found ? found->entry.value(QStringLiteral("Name")) : QString();
     }
 };
 
-TEST_F(DesktopEntryIndexTest, HigherFoldersWinAndHiddenEntriesAreDeleted) {
-    tree.write("usr/applications/org.example.Edit.desktop", app("System Edit"));
-    tree.write("home/applications/org.example.Edit.desktop", app("My Edit"));
-    tree.write("usr/applications/org.example.Gone.desktop", app("Gone"));
-    tree.write("home/applications/org.example.Gone.desktop", app("Gone", "Hidden=true\n"));
-    tree.write("usr/applications/kde4/okular.desktop", app("Okular"));
+TEST_F(DesktopEntryIndexTest, HigherFoldersWinHiddenEntriesAreDeletedNewOnesAreNoticed) {
+    app("usr/applications/org.example.Edit.desktop");
+    app("home/applications/org.example.Edit.desktop");
+    app("usr/applications/org.example.Gone.desktop");
+    app("home/applications/org.example.Gone.desktop", "Hidden=true\n");
+    app("usr/applications/kde4/okular.desktop");
     tree.write("usr/applications/link.desktop", "[Desktop Entry]\nType=Link\nName=L\n");
+    EXPECT_EQ(nameOf("org.example.Edit"),
+              QStringLiteral("home/applications/org.example.Edit.desktop"));
+    EXPECT_EQ(nameOf("org.example.Gone"), QString());
+    EXPECT_EQ(nameOf("kde4-okular"), QStringLiteral("usr/applications/kde4/okular.desktop"));
+    EXPECT_EQ(nameOf("link"), QString());
 
-    DesktopEntryIndex index(dirs());
-    ASSERT_NE(index.find(QStringLiteral("org.example.Edit")), nullptr);
-    EXPECT_EQ(index.find(QStringLiteral("org.example.Edit"))->entry.value(QStringLiteral("Name")),
-              QStringLiteral("My Edit"));
-    EXPECT_EQ(index.find(QStringLiteral("org.example.Gone")), nullptr);
-    EXPECT_NE(index.find(QStringLiteral("kde4-okular")), nullptr);
-    EXPECT_EQ(index.find(QStringLiteral("link")), nullptr);
+    // Installed later, in a folder that did not even exist at the first look.
+    app("home/applications/late.desktop");
+    EXPECT_NE(nameOf("late"), QString());
 }
 
-TEST_F(DesktopEntryIndexTest, WindowClassMatching) {
-    tree.write("usr/applications/org.example.Viewer.desktop",
-               app("Viewer", "StartupWMClass=ViewerMain\n"));
-    tree.write("usr/applications/org.xfce.mousepad.desktop", app("Mousepad"));
-    tree.write("usr/applications/gimp.desktop", app("GIMP"));
-    tree.write("usr/applications/org.one.tool.desktop", app("One"));
-    tree.write("usr/applications/org.two.tool.desktop", app("Two"));
-
-    DesktopEntryIndex index(dirs());
-    const auto idFor = [&](const char* instance, const char* cls) -> QString {
+TEST_F(DesktopEntryIndexTest, WindowClassesAndTheOrderOfIdentitySources) {
+    app("usr/applications/org.example.Viewer.desktop", "StartupWMClass=ViewerMain\n");
+    app("usr/applications/gimp.desktop");
+    app("usr/applications/org.one.tool.desktop");
+    app("usr/applications/org.two.tool.desktop");
+    const auto idOf = [&](const char* instance, const char* cls) {
         const InstalledApp* found =
             index.findByWindowClass(QString::fromLatin1(instance), QString::fromLatin1(cls));
         return found ? found->id : QString();
     };
-    EXPECT_EQ(idFor("viewer", "ViewerMain"), QStringLiteral("org.example.Viewer"));
-    EXPECT_EQ(idFor("ViewerMain", "Other"), QStringLiteral("org.example.Viewer"));
-    EXPECT_EQ(idFor("gimp-2.10", "Gimp"), QStringLiteral("gimp"));
-    EXPECT_EQ(idFor("mousepad", "Mousepad"), QStringLiteral("org.xfce.mousepad"));
-    EXPECT_EQ(idFor("tool", "Tool"), QString()); // two entries end in ".tool": no guess
-    EXPECT_EQ(idFor("", ""), QString());
-}
+    EXPECT_EQ(idOf("viewer", "ViewerMain"), QStringLiteral("org.example.Viewer"));
+    EXPECT_EQ(idOf("gimp-2.10", "Gimp"), QStringLiteral("gimp"));
+    EXPECT_EQ(idOf("x", "Viewer"), QStringLiteral("org.example.Viewer")); // the id's last part
+    EXPECT_EQ(idOf("tool", "Tool"), QString()); // two entries end in ".tool": no guess
 
-TEST_F(DesktopEntryIndexTest, NoticesInstalledAndRemovedApplications) {
-    tree.write("usr/applications/first.desktop", app("First"));
-    DesktopEntryIndex index(dirs());
-    EXPECT_NE(index.find(QStringLiteral("first")), nullptr);
-    EXPECT_EQ(index.find(QStringLiteral("late")), nullptr);
-
-    // A folder created after the first look (the user's own one) is noticed too.
-    tree.write("home/applications/late.desktop", app("Late"));
-    EXPECT_NE(index.find(QStringLiteral("late")), nullptr);
-
-    tree.remove("usr/applications/first.desktop");
-    // Make sure the folder's time differs even on coarse-grained file systems.
-    const QByteArray folder = QFile::encodeName(tree.path(QStringLiteral("usr/applications")));
-    const timespec times[2] = {{0, UTIME_OMIT}, {1000000000, 0}};
-    ASSERT_EQ(utimensat(AT_FDCWD, folder.constData(), times, 0), 0);
-    EXPECT_EQ(index.find(QStringLiteral("first")), nullptr);
-}
-
-TEST_F(DesktopEntryIndexTest, IdentityPrefersTheLaunchUnitThenDeclaredIdsThenClasses) {
-    tree.write("usr/applications/org.example.Edit.desktop",
-               app("Edit", "Name[ko]=편집\nStartupWMClass=EditWin\n"));
-    DesktopEntryIndex index(dirs());
-    const QByteArray scope = "0::/user.slice/app-gnome-org.example.Launched-12.scope\n";
-    bool windowsAsked = false;
-    const auto windows = [&](std::vector<WindowHints> hints) {
-        return [&windowsAsked, hints] {
-            windowsAsked = true;
-            return hints;
-        };
-    };
-    EXPECT_EQ(resolveAppId(scope, windows({{QStringLiteral("gtk.id"), {}, {}, {}}}), index),
-              QStringLiteral("org.example.Launched"));
-    EXPECT_FALSE(windowsAsked); // the unit was enough: no round trips to the X server
-
-    WindowHints byClass{{}, {}, QStringLiteral("edit"), QStringLiteral("EditWin")};
-    WindowHints declared{QStringLiteral("org.example.Declared"), {}, {}, {}};
-    WindowHints kde{{}, QStringLiteral("/usr/share/applications/org.kde.x.desktop"), {}, {}};
-    EXPECT_EQ(resolveAppId("0::/\n", windows({byClass, declared}), index),
-              QStringLiteral("org.example.Declared"));
-    EXPECT_EQ(resolveAppId("0::/\n", windows({kde}), index), QStringLiteral("org.kde.x"));
-    EXPECT_EQ(resolveAppId("0::/\n", windows({byClass}), index),
-              QStringLiteral("org.example.Edit"));
-    EXPECT_FALSE(resolveAppId("0::/\n", windows({}), index));
-
-    EXPECT_EQ(displayNameOf(QStringLiteral("org.example.Edit"), index, QStringLiteral("ko"), {}),
-              QStringLiteral("편집"));
-    EXPECT_EQ(displayNameOf(QStringLiteral("org.example.Edit"), index, QStringLiteral("en"), {}),
-              QStringLiteral("Edit"));
-    EXPECT_FALSE(
-        displayNameOf(QStringLiteral("org.example.Launched"), index, QStringLiteral("en"), {}));
+    // The launch unit first, then ids the windows declare, then their classes.
+    const WindowHints byClass{{}, {}, QStringLiteral("gimp"), QStringLiteral("Gimp")};
+    const WindowHints declared{QStringLiteral("org.example.Declared"), {}, {}, {}};
+    const WindowHints kde{{}, QStringLiteral("/usr/share/applications/org.kde.x.desktop"), {}, {}};
+    EXPECT_EQ(appIdFromWindows({byClass, declared}, index), QStringLiteral("org.example.Declared"));
+    EXPECT_EQ(appIdFromWindows({byClass, kde}, index), QStringLiteral("org.kde.x"));
+    const auto unit = QByteArrayLiteral("0::/app-gnome-org.example.Unit-12.scope\n");
+    EXPECT_EQ(resolveAppId(
+                  unit, [&] { return std::vector{declared}; }, index),
+              QStringLiteral("org.example.Unit"));
 }
 
 } // namespace

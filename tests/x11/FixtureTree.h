@@ -9,22 +9,15 @@
 
 namespace quelmo::test {
 
-class FixtureTree {
-public:
-    QString root() const { return dir_.path(); }
-    QString path(const QString& relative) const { return dir_.filePath(relative); }
-
+struct FixtureTree {
+    QTemporaryDir dir;
+    QString path(const QString& relative) const { return dir.filePath(relative); }
     void write(const QString& relative, const QByteArray& content) const {
-        const QString file = path(relative);
-        QDir().mkpath(QFileInfo(file).path());
-        QFile out(file);
+        QDir().mkpath(QFileInfo(path(relative)).path());
+        QFile out(path(relative));
         if (out.open(QIODevice::WriteOnly | QIODevice::Truncate))
             out.write(content);
     }
-    void remove(const QString& relative) const { QFile::remove(path(relative)); }
-
-private:
-    QTemporaryDir dir_;
 };
 
 } // namespace quelmo::test

@@ -2,99 +2,63 @@
 // is never followed by anything stronger, and a pid that is not the listed process is left alone.
 
 #include "ChildProcess.h"
+#include "FixtureTree.h"
 #include "desktop/PidfdSignaller.h"
 
 #include <csignal>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
-#include <thread>
 #include <unistd.h>
 
 namespace quelmo::linux_platform {
 namespace {
 
 using namespace std::chrono_literals;
-using test::ChildProcess;
 
-// A child whose start time is known once it has exec'd into `argv`.
-std::uint64_t startTime(ChildProcess& child) {
-    const auto start = test::startTimeOf(child.pid());
-    return start.value_or(0);
+QByteArray statOf(pid_t pid) {
+    QFile file(QStringLiteral("/proc/%1/stat").arg(pid));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-// The child has replaced itself with its program (so a signal reaches that program, not the
-// copy of the test that fork made).
-void waitForExec(ChildProcess& child, const char* program) {
-    for (int i = 0; i < 250; ++i) {
-        char exe[256] = {};
-        const std::string link = "/proc/" + std::to_string(child.pid()) + "/exe";
-        const ssize_t n = readlink(link.c_str(), exe, sizeof exe - 1);
-        if (n > 0 && std::string(exe).find(program) != std::string::npos)
-            return;
-        std::this_thread::sleep_for(20ms);
-    }
+// Field 22 of /proc/[pid]/stat, read here independently of the code under test.
+std::uint64_t startTimeOf(pid_t pid) {
+    const QByteArray stat = statOf(pid);
+    return stat.sliced(stat.lastIndexOf(')') + 2).split(' ').value(19).toULongLong();
 }
 
-TEST(ProcessSignaller, TerminatesAWindowlessProcess) {
-    ChildProcess sleeper({"sleep", "600"});
-    ASSERT_TRUE(sleeper.started());
-    waitForExec(sleeper, "sleep");
+TEST(ProcessSignaller, OnlyTheListedProcessOfThisUserIsAskedToEnd) {
+    test::ChildProcess sleeper({"sleep", "600"});
+    const std::uint64_t start = startTimeOf(sleeper.pid());
     PidfdSignaller signaller(QStringLiteral("/"));
-    auto handle = signaller.open(sleeper.pid(), startTime(sleeper));
+    // The same pid with another start time is a reused pid.
+    EXPECT_FALSE(signaller.open(sleeper.pid(), start + 1));
+    EXPECT_FALSE(signaller.open(sleeper.pid(), start - 1));
+    // Another user's process is refused even where the kernel would allow the signal (as root).
+    test::FixtureTree tree;
+    const QString proc = QStringLiteral("proc/%1/").arg(sleeper.pid());
+    tree.write(proc + QStringLiteral("stat"), statOf(sleeper.pid()));
+    PidfdSignaller onFixture(tree.dir.path());
+    for (const uid_t uid : {getuid() + 1, getuid()}) {
+        tree.write(proc + QStringLiteral("status"), QByteArray("Uid:\t") + QByteArray::number(uid) +
+                                                        "\t" + QByteArray::number(uid) + "\n");
+        EXPECT_EQ(bool(onFixture.open(sleeper.pid(), start)), uid == getuid());
+    }
+
+    auto handle = signaller.open(sleeper.pid(), start);
     ASSERT_TRUE(handle);
     EXPECT_TRUE(handle->sendTerminate());
     const auto status = sleeper.waitForExit(20s);
     ASSERT_TRUE(status);
-    ASSERT_TRUE(WIFSIGNALED(*status));
-    EXPECT_EQ(WTERMSIG(*status), SIGTERM);
-    // The handle still refers to the ended process, never to a newcomer with its pid.
-    EXPECT_FALSE(handle->sendTerminate());
-}
+    EXPECT_TRUE(WIFSIGNALED(*status) && WTERMSIG(*status) == SIGTERM);
+    EXPECT_FALSE(handle->sendTerminate()); // the ended process, never a newcomer with its pid
 
-TEST(ProcessSignaller, AProcessIgnoringTheSignalKeepsRunning) {
-    ChildProcess stubborn({"sh", "-c", "trap '' TERM; echo armed; while :; do sleep 1; done"});
+    // A process that ignores the signal keeps running: nothing stronger follows.
+    test::ChildProcess stubborn({"sh", "-c", "trap '' TERM; echo armed; exec sleep 600"});
     ASSERT_EQ(stubborn.readLine(20s), std::optional<std::string>("armed"));
-    PidfdSignaller signaller(QStringLiteral("/"));
-    auto handle = signaller.open(stubborn.pid(), startTime(stubborn));
+    handle = signaller.open(stubborn.pid(), startTimeOf(stubborn.pid()));
     ASSERT_TRUE(handle);
     EXPECT_TRUE(handle->sendTerminate());
-    EXPECT_TRUE(handle->sendTerminate());
-    EXPECT_FALSE(stubborn.waitForExit(1500ms)); // nothing stronger followed
-    EXPECT_TRUE(stubborn.running());
-}
-
-TEST(ProcessSignaller, RefusesAPidThatIsNotTheListedProcess) {
-    ChildProcess sleeper({"sleep", "600"});
-    waitForExec(sleeper, "sleep");
-    PidfdSignaller signaller(QStringLiteral("/"));
-    // The same pid, but started at another time: a reused pid must not be signalled.
-    EXPECT_FALSE(signaller.open(sleeper.pid(), startTime(sleeper) + 1));
-    EXPECT_FALSE(signaller.open(sleeper.pid(), startTime(sleeper) - 1));
-    EXPECT_TRUE(sleeper.running());
-
-    sleeper.stop();
-    EXPECT_FALSE(signaller.open(sleeper.pid(), startTime(sleeper)));
-    EXPECT_FALSE(signaller.open(0, 0));
-    EXPECT_FALSE(signaller.open(-1, 0));
-}
-
-TEST(ProcessSignaller, NeverSignalsAnotherUsersProcess) {
-    PidfdSignaller signaller(QStringLiteral("/"));
-    if (getuid() != 0) {
-        // init belongs to root; its handle must not even be handed out.
-        const auto initStart = test::startTimeOf(1);
-        ASSERT_TRUE(initStart);
-        EXPECT_FALSE(signaller.open(1, *initStart));
-        return;
-    }
-    // As root the kernel would allow the signal: only our own check stands in the way.
-    ChildProcess foreign(
-        {"setpriv", "--reuid=65534", "--regid=65534", "--clear-groups", "sleep", "600"});
-    waitForExec(foreign, "sleep");
-    const auto start = test::startTimeOf(foreign.pid());
-    ASSERT_TRUE(start);
-    EXPECT_FALSE(signaller.open(foreign.pid(), *start));
-    EXPECT_TRUE(foreign.running());
+    EXPECT_FALSE(stubborn.waitForExit(1500ms));
 }
 
 } // namespace

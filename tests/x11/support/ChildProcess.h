@@ -1,6 +1,6 @@
 #pragma once
 
-// A child process for the tests: started with its own environment additions, its output read
+// A child process for the tests: started with additions to our environment, its output read
 // line by line with a timeout, and always ended and reaped when the object goes away (SIGTERM,
 // then SIGKILL after a grace period: these are our own helpers, not processes under test).
 
@@ -21,33 +21,22 @@ class ChildProcess {
 public:
     using Options = ChildOptions;
 
-    explicit ChildProcess(const std::vector<std::string>& argv, Options options = {});
+    explicit ChildProcess(std::vector<std::string> argv, Options options = {});
     ~ChildProcess();
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;
 
-    bool started() const { return pid_ > 0; }
     pid_t pid() const { return pid_; }
-
     // The next line of standard output, without its newline.
     std::optional<std::string> readLine(std::chrono::milliseconds timeout);
-    bool running();
     // The wait status once the child has ended within `timeout`.
     std::optional<int> waitForExit(std::chrono::milliseconds timeout);
-    void stop();
+    bool running() { return pid_ > 0 && !waitForExit(std::chrono::milliseconds(0)); }
 
 private:
     pid_t pid_ = -1;
     int stdout_ = -1;
-    std::string buffered_;
     std::optional<int> status_;
 };
-
-// Runs a command to completion (at most `timeout`) and gives its exit code, or -1.
-int runCommand(const std::vector<std::string>& argv, std::chrono::milliseconds timeout,
-               ChildProcess::Options options = {});
-
-// The start time (clock ticks since boot) of a live process, from /proc.
-std::optional<std::uint64_t> startTimeOf(pid_t pid);
 
 } // namespace quelmo::test

@@ -24,7 +24,7 @@ public:
     static bool toolsInstalled();
 
 private:
-    std::string error_;
+    std::string error_ = "not started";
     std::string display_;
     std::string home_;
     std::unique_ptr<ChildProcess> xvfb_;
