@@ -20,6 +20,7 @@ test_pkgs=(
   xvfb xauth openbox xfce4-panel dbus dbus-x11 at-spi2-core
   xdotool wmctrl x11-utils x11-apps imagemagick mousepad desktop-file-utils
   python3
+  libglib2.0-bin
 )
 
 mode=${1:-run}
