@@ -21,11 +21,6 @@ struct ScriptedCpuTicks : CpuTicksSource {
     }
 };
 
-struct FixedChip : ChipFactsSource {
-    ChipFacts facts;
-    ChipFacts readChipFacts() override { return facts; }
-};
-
 struct FixedGpu : GpuLoadSource {
     std::vector<std::int64_t> percents;
     std::vector<std::int64_t> readDevicePercents() override { return percents; }
