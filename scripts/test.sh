@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Builds Quelmo and runs every test: once in a normal build (unit, desktop and comparison tests
-# against the real tools), once more with AddressSanitizer and UndefinedBehaviorSanitizer.
+# against the real tools), then all of them again with AddressSanitizer and UndefinedBehaviorSanitizer.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/install-deps.sh test
@@ -14,4 +14,4 @@ cmake -S . -B build/asan -G Ninja -DCMAKE_BUILD_TYPE=Debug -DQUELMO_SANITIZE=ON 
   -DQUELMO_BUILD_BENCHMARKS=OFF >/dev/null
 cmake --build build/asan -j "$jobs"
 export ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
-(cd build/asan && ctest --output-on-failure -j "$jobs" -L unit)
+(cd build/asan && ctest --output-on-failure -j "$jobs")
