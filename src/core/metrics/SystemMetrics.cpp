@@ -40,7 +40,8 @@ SystemMetrics::SystemMetrics(Platform platform, QObject* parent)
       procMon_(std::move(platform.processes)),
       baseline_(QString::fromLatin1(SettingsKeys::baselines)), focus_(desktop_.get()) {
     const ChipFacts chip = platform.chip ? platform.chip->readChipFacts() : ChipFacts{};
-    chipName_ = chip.name;
+    // The name shown for a processor that names itself nowhere (no model name, no board model).
+    chipName_ = chip.name.isEmpty() ? QStringLiteral("Apple Silicon") : chip.name;
     coreSummary_ = ChipInfo::coreSummary(chip);
     memoryGB_ = mem_.total() * (1.0 / 1073741824.0);
 
