@@ -9,16 +9,20 @@
 
 namespace quelmo::test {
 
+// Readings handed out one per call, in order; nothing once they run out.
+template <typename Reading>
+std::optional<Reading> nextOf(std::deque<std::optional<Reading>>& script) {
+    std::optional<Reading> next;
+    if (!script.empty()) {
+        next.swap(script.front());
+        script.pop_front();
+    }
+    return next;
+}
+
 struct ScriptedCpuTicks : CpuTicksSource {
     std::deque<std::optional<std::vector<CpuTicks>>> script;
-    std::optional<std::vector<CpuTicks>> readTicks() override {
-        std::optional<std::vector<CpuTicks>> next;
-        if (!script.empty()) {
-            next.swap(script.front());
-            script.pop_front();
-        }
-        return next;
-    }
+    std::optional<std::vector<CpuTicks>> readTicks() override { return nextOf(script); }
 };
 
 struct FixedGpu : GpuLoadSource {
@@ -37,14 +41,7 @@ struct ScriptedEnergy : EnergySource {
     bool isAvailable = true;
     std::deque<std::optional<std::vector<EnergyChannel>>> script;
     bool available() override { return isAvailable; }
-    std::optional<std::vector<EnergyChannel>> readChannels() override {
-        std::optional<std::vector<EnergyChannel>> next;
-        if (!script.empty()) {
-            next.swap(script.front());
-            script.pop_front();
-        }
-        return next;
-    }
+    std::optional<std::vector<EnergyChannel>> readChannels() override { return nextOf(script); }
 };
 
 // Lists `rows` as the process-listing tool would print them (the kernel table is absent), so

@@ -1,5 +1,6 @@
 #include "metrics/ProcessListText.h"
 
+#include <QList>
 #include <QStringDecoder>
 #include <charconv>
 #include <cmath>
@@ -87,23 +88,10 @@ std::optional<double> parseDecimal(QStringView field) {
     return value;
 }
 
-// The fields of one line: split at each space only (a tab belongs to its field), empty fields
-// dropped, so runs of spaces and leading or trailing spaces separate nothing extra.
-std::vector<QStringView> splitAtSpaces(QStringView line) {
-    std::vector<QStringView> fields;
-    qsizetype start = 0;
-    for (qsizetype i = 0; i <= line.size(); ++i) {
-        if (i == line.size() || line[i] == QLatin1Char(' ')) {
-            if (i > start)
-                fields.push_back(line.mid(start, i - start));
-            start = i + 1;
-        }
-    }
-    return fields;
-}
-
 std::optional<ProcInfo> parseLine(QStringView line) {
-    const std::vector<QStringView> fields = splitAtSpaces(line);
+    // Split at each space only (a tab belongs to its field), empty fields dropped, so runs of
+    // spaces and leading or trailing spaces separate nothing extra.
+    const QList<QStringView> fields = line.split(QLatin1Char(' '), Qt::SkipEmptyParts);
     if (fields.size() < 5)
         return std::nullopt;
     const auto id = parseInteger(fields[0]);
@@ -122,7 +110,7 @@ std::optional<ProcInfo> parseLine(QStringView line) {
     row.rss = *rssKilobytes * 1024.0;
     row.user = fields[3].toString();
     // An executable name with spaces comes back with one space between its words.
-    for (std::size_t k = 4; k < fields.size(); ++k) {
+    for (qsizetype k = 4; k < fields.size(); ++k) {
         if (k > 4)
             row.name += QLatin1Char(' ');
         row.name += fields[k];
@@ -143,16 +131,9 @@ std::optional<QString> decodeProcessListText(const QByteArray& bytes) {
 
 std::vector<ProcInfo> parseProcessListText(QStringView text) {
     std::vector<ProcInfo> rows;
-    qsizetype start = 0;
-    for (qsizetype i = 0; i <= text.size(); ++i) {
-        if (i < text.size() && text[i] != QLatin1Char('\n'))
-            continue;
-        if (i > start) {
-            if (auto row = parseLine(text.mid(start, i - start)))
-                rows.push_back(std::move(*row));
-        }
-        start = i + 1;
-    }
+    for (const QStringView line : text.split(QLatin1Char('\n'), Qt::SkipEmptyParts))
+        if (auto row = parseLine(line))
+            rows.push_back(std::move(*row));
     return rows;
 }
 
