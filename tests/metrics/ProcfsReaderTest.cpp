@@ -94,7 +94,7 @@ TEST(ProcfsProcessReaderTest, StatFieldsAfterTheLastParenthesis) {
     EXPECT_FALSE(parseStatusUid("Uid:\t1\n"));
 }
 
-TEST(ProcfsProcessReaderTest, WithoutProcTheListingToolIsRunWithTheDesignedArguments) {
+TEST(ProcfsProcessReaderTest, WithoutProcTheListingToolIsRunWithItsTwoArguments) {
     ProcfsProcessReader reader(machine("no-proc"), fixtureUsers);
     EXPECT_FALSE(reader.readTable()); // an empty /proc is an unmounted one
 

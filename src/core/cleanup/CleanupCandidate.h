@@ -3,7 +3,6 @@
 #include "metrics/ProcInfo.h"
 
 #include <QString>
-
 #include <optional>
 
 namespace quelmo {

@@ -5,7 +5,6 @@
 
 #include <QSet>
 #include <QString>
-
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -15,9 +14,9 @@ namespace quelmo {
 
 // One look at the desktop, taken once per candidate selection.
 struct DesktopSnapshot {
-    QSet<qint64> regularPIDs;          // processes owning a taskbar (ordinary) application window
+    QSet<qint64> regularPIDs;           // processes owning a taskbar (ordinary) application window
     std::optional<qint64> frontmostPID; // the process of the active window
-    QSet<qint64> visiblePIDs;          // processes owning a visible window on the current desktop
+    QSet<qint64> visiblePIDs;           // processes owning a visible window on the current desktop
 };
 
 // An application's identity: its desktop-entry id and its display name in the current language.

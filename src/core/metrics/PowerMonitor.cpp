@@ -1,7 +1,6 @@
 #include "metrics/PowerMonitor.h"
 
 #include <QHash>
-
 #include <algorithm>
 #include <chrono>
 

@@ -3,7 +3,6 @@
 #include "metrics/sources/SystemSources.h"
 
 #include <QString>
-
 #include <functional>
 #include <memory>
 #include <optional>

@@ -2,7 +2,6 @@
 
 #include <QMetaType>
 #include <QString>
-
 #include <cstdint>
 
 namespace quelmo {
@@ -17,11 +16,11 @@ struct ProcInfo {
     Q_PROPERTY(QString user MEMBER user)
 
 public:
-    qint64 id = 0;   // process id, also the row's identity
-    QString name;    // executable name only; may contain spaces
-    double cpu = 0;  // percent of one logical CPU; may exceed 100
-    double rss = 0;  // resident memory in bytes
-    QString user;    // owner's user name
+    qint64 id = 0;  // process id, also the row's identity
+    QString name;   // executable name only; may contain spaces
+    double cpu = 0; // percent of one logical CPU; may exceed 100
+    double rss = 0; // resident memory in bytes
+    QString user;   // owner's user name
 
     double rssMB() const { return rss * (1.0 / 1048576.0); }
 };

@@ -19,7 +19,6 @@
 #include <QSet>
 #include <QString>
 #include <QTimer>
-
 #include <functional>
 #include <memory>
 #include <vector>
