@@ -1,4 +1,5 @@
 // The hub's cleanup side: which processes to offer, and terminating the ones the user cuts.
+#include "Ranking.h"
 #include "cleanup/FocusTracker.h"
 #include "cleanup/ProtectedNames.h"
 #include "metrics/SystemMetrics.h"
@@ -32,8 +33,7 @@ double recentThreshold(double idle) {
 // Orders and trims the offered candidates: biggest first, one per name, then the longest idle
 // first (hogs, having no idle time, count as 9999 minutes), at most six.
 QList<CleanupCandidate> ordered(QList<CleanupCandidate> offered) {
-    std::stable_sort(offered.begin(), offered.end(),
-                     [](const auto& a, const auto& b) { return a.proc.rss > b.proc.rss; });
+    rankHighestFirst(offered, [](const CleanupCandidate& c) { return c.proc.rss; });
     QSet<QString> seen;
     QList<CleanupCandidate> unique;
     for (const CleanupCandidate& c : offered) {
@@ -43,13 +43,10 @@ QList<CleanupCandidate> ordered(QList<CleanupCandidate> offered) {
         seen.insert(key);
         unique.append(c);
     }
-    const auto idle = [](const CleanupCandidate& c) {
-        return c.idleMinutes.value_or(unknownIdleMinutes);
-    };
-    std::stable_sort(unique.begin(), unique.end(),
-                     [&](const auto& a, const auto& b) { return idle(a) > idle(b); });
-    if (unique.size() > maxCandidates)
-        unique.resize(maxCandidates);
+    rankHighestFirst(
+        unique,
+        [](const CleanupCandidate& c) { return c.idleMinutes.value_or(unknownIdleMinutes); },
+        maxCandidates);
     return unique;
 }
 

@@ -1,5 +1,6 @@
 #include "metrics/SystemMetrics.h"
 
+#include "Ranking.h"
 #include "advisor/NoLanguageModel.h"
 #include "metrics/ChipInfo.h"
 #include "settings/SettingsKeys.h"
@@ -18,15 +19,11 @@ MemoryMonitor makeMemoryMonitor(std::unique_ptr<MemorySource> source) {
     return MemoryMonitor(std::move(source), total);
 }
 
-// The first `limit` rows of `rows` stably sorted by `key`, highest first: a row goes before
-// another only when its key is strictly greater.
+// The first `limit` rows of the snapshot by `key`, highest first, ties in snapshot order.
 template <typename Key>
 QList<ProcInfo> topRows(const std::vector<ProcInfo>& rows, Key key, qsizetype limit) {
     QList<ProcInfo> sorted(rows.begin(), rows.end());
-    std::stable_sort(sorted.begin(), sorted.end(),
-                     [&](const ProcInfo& a, const ProcInfo& b) { return key(a) > key(b); });
-    if (sorted.size() > limit)
-        sorted.resize(limit);
+    rankHighestFirst(sorted, key, limit);
     return sorted;
 }
 
