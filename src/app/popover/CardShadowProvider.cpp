@@ -1,4 +1,4 @@
-#include "popover/CardShadowProvider.h"
+#include "app/popover/CardShadowProvider.h"
 
 #include <QPainter>
 #include <QPainterPath>

@@ -1,4 +1,4 @@
-#include "popover/CatStyle.h"
+#include "app/popover/CatStyle.h"
 
 namespace quelmo {
 

@@ -1,4 +1,4 @@
-#include "popover/MascotBehavior.h"
+#include "app/popover/MascotBehavior.h"
 
 #include <QRandomGenerator>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "popover/MascotClock.h"
+#include "app/popover/MascotClock.h"
 
 #include <QList>
 #include <QObject>

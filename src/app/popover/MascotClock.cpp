@@ -1,4 +1,4 @@
-#include "popover/MascotClock.h"
+#include "app/popover/MascotClock.h"
 
 #include <QTimer>
 

@@ -1,9 +1,9 @@
-#include "popover/PopoverContext.h"
+#include "app/popover/PopoverContext.h"
 
-#include "popover/PopoverRules.h"
-#include "settings/AppLang.h"
-#include "settings/LoginItem.h"
-#include "settings/Preferences.h"
+#include "app/popover/PopoverRules.h"
+#include "core/settings/AppLang.h"
+#include "core/settings/LoginItem.h"
+#include "core/settings/Preferences.h"
 
 namespace quelmo {
 

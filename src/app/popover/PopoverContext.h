@@ -1,6 +1,6 @@
 #pragma once
 
-#include "popover/ProcessListModel.h"
+#include "app/popover/ProcessListModel.h"
 
 #include <QObject>
 #include <QPointer>

@@ -1,11 +1,11 @@
-#include "popover/PopoverQml.h"
+#include "app/popover/PopoverQml.h"
 
-#include "popover/CardShadowProvider.h"
-#include "popover/MascotBehavior.h"
-#include "popover/PopoverContext.h"
-#include "popover/PopoverRulesObject.h"
-#include "popover/ProcessListModel.h"
-#include "popover/SymbolImageProvider.h"
+#include "app/popover/CardShadowProvider.h"
+#include "app/popover/MascotBehavior.h"
+#include "app/popover/PopoverContext.h"
+#include "app/popover/PopoverRulesObject.h"
+#include "app/popover/ProcessListModel.h"
+#include "app/popover/SymbolImageProvider.h"
 
 #include <QQmlEngine>
 

@@ -1,4 +1,4 @@
-#include "popover/PopoverRules.h"
+#include "app/popover/PopoverRules.h"
 
 #include <algorithm>
 #include <cmath>

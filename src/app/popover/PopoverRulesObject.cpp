@@ -1,9 +1,9 @@
-#include "popover/PopoverRulesObject.h"
+#include "app/popover/PopoverRulesObject.h"
 
-#include "popover/CatStyle.h"
-#include "popover/PopoverRules.h"
-#include "popover/PopoverTexts.h"
-#include "popover/SymbolImageProvider.h"
+#include "app/popover/CatStyle.h"
+#include "app/popover/PopoverRules.h"
+#include "app/popover/PopoverTexts.h"
+#include "app/popover/SymbolImageProvider.h"
 
 #include <QPainterPath>
 

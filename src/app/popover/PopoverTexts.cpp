@@ -1,4 +1,4 @@
-#include "popover/PopoverTexts.h"
+#include "app/popover/PopoverTexts.h"
 
 #include <QHash>
 

@@ -1,6 +1,6 @@
-#include "popover/ProcessListModel.h"
+#include "app/popover/ProcessListModel.h"
 
-#include "popover/PopoverRules.h"
+#include "app/popover/PopoverRules.h"
 
 #include <QSet>
 

@@ -1,4 +1,4 @@
-#include "popover/SymbolImageProvider.h"
+#include "app/popover/SymbolImageProvider.h"
 
 #include <QFile>
 #include <QJsonDocument>

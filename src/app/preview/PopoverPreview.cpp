@@ -1,10 +1,10 @@
-#include "preview/PopoverPreview.h"
+#include "app/preview/PopoverPreview.h"
 
-#include "popover/PopoverContext.h"
-#include "popover/PopoverQml.h"
-#include "popover/PopoverRules.h"
-#include "settings/AppLang.h"
-#include "settings/Preferences.h"
+#include "app/popover/PopoverContext.h"
+#include "app/popover/PopoverQml.h"
+#include "app/popover/PopoverRules.h"
+#include "core/settings/AppLang.h"
+#include "core/settings/Preferences.h"
 
 #include <QCoreApplication>
 #include <QJsonArray>

@@ -1,7 +1,7 @@
-#include "popover/PopoverContext.h"
+#include "app/popover/PopoverContext.h"
 
-#include "TempSettings.h"
-#include "settings/Preferences.h"
+#include "core/settings/Preferences.h"
+#include "support/TempSettings.h"
 
 #include <QSignalSpy>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "preview/PopoverPreview.h"
+#include "app/preview/PopoverPreview.h"
 
 #include <QAccessible>
 #include <QJsonArray>

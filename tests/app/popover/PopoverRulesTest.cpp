@@ -1,7 +1,7 @@
-#include "popover/PopoverRules.h"
+#include "app/popover/PopoverRules.h"
 
-#include "popover/CatStyle.h"
-#include "popover/PopoverTexts.h"
+#include "app/popover/CatStyle.h"
+#include "app/popover/PopoverTexts.h"
 
 #include <QColor>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "popover/ProcessListModel.h"
+#include "app/popover/ProcessListModel.h"
 
 #include <QAbstractItemModelTester>
 #include <QPersistentModelIndex>

@@ -1,0 +1,133 @@
+#include "app/popover/QuickPopoverSurface.h"
+
+#include "app/popover/Popover.h"
+#include "app/popover/PopoverContext.h"
+#include "app/popover/PopoverPlacement.h"
+#include "app/popover/PopoverQml.h"
+#include "app/popover/PopoverRules.h"
+#include "app/shell/X11Desktop.h"
+#include "core/metrics/SystemMetrics.h"
+
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QQuickItem>
+#include <QScreen>
+#include <cmath>
+
+namespace quelmo {
+
+class QuickPopoverSurface::Window : public QQuickView {
+public:
+    explicit Window(QuickPopoverSurface& owner) : owner_(owner) {}
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override {
+        QQuickView::keyPressEvent(event);
+        if (!event->isAccepted() && event->key() == Qt::Key_Escape) {
+            event->accept();
+            owner_.closeBy(CloseReason::Escape);
+        }
+    }
+
+private:
+    QuickPopoverSurface& owner_;
+};
+
+QuickPopoverSurface::QuickPopoverSurface(SystemMetrics& metrics, QObject* parent)
+    : PopoverSurface(parent), window_(std::make_unique<Window>(*this)) {
+    PopoverContext::Hooks hooks;
+    // Verdicts are asked for again in the new language.
+    hooks.languageChanged = [&metrics] { metrics.reevaluateAI(); };
+    context_ = new PopoverContext(&metrics, std::move(hooks), this);
+    connect(&metrics, &SystemMetrics::topCPUChanged, context_,
+            [this, &metrics] { context_->topCPU()->setRows(metrics.topCPU()); });
+    connect(&metrics, &SystemMetrics::topMemChanged, context_,
+            [this, &metrics] { context_->topMem()->setRows(metrics.topMem()); });
+    context_->topCPU()->setRows(metrics.topCPU());
+    context_->topMem()->setRows(metrics.topMem());
+    connect(context_, &PopoverContext::quitRequested, this, &PopoverSurface::quitRequested);
+
+    QQuickView& w = *window_;
+    w.setTitle(QStringLiteral("Quelmo"));
+    w.setFlags(Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
+    w.setColor(Qt::transparent);
+    w.setResizeMode(QQuickView::SizeRootObjectToView);
+    registerPopoverQml(*w.engine());
+    w.setInitialProperties({{QStringLiteral("context"), QVariant::fromValue(context_)}});
+    w.setSource(QUrl(QString::fromLatin1(popoverViewUrl)));
+    if (QQuickItem* view = w.rootObject())
+        connect(view, &QQuickItem::implicitHeightChanged, this, &QuickPopoverSurface::fitToContent);
+
+    // The focus as the window manager sees it (its active window) where there is one: Qt's
+    // activation state can lag behind it when the popover is hidden and shown again quickly,
+    // and then misses the moment the focus leaves.
+    activeWindow_ = new x11::ActiveWindowWatch(this);
+    if (activeWindow_->isWatching())
+        connect(activeWindow_, &x11::ActiveWindowWatch::changed, this,
+                [this](quint32 active) { focusMoved(active == window_->winId()); });
+    else
+        connect(&w, &QWindow::activeChanged, this, [this] { focusMoved(window_->isActive()); });
+}
+
+QuickPopoverSurface::~QuickPopoverSurface() = default;
+
+void QuickPopoverSurface::showAt(QPoint anchor) {
+    anchor_ = anchor;
+    QScreen* screen = QGuiApplication::screenAt(anchor);
+    if (!screen)
+        screen = QGuiApplication::primaryScreen();
+    QQuickView& w = *window_;
+    if (screen)
+        w.setScreen(screen);
+    context_->setMaxHeight(PopoverRules::maxHeight(
+        screen ? std::optional<double>(screen->availableGeometry().height()) : std::nullopt));
+    context_->reload();
+    context_->setShown(true);
+    fitToContent();
+    // Keep the panel out of taskbars and pagers: it belongs to the tray item, not to the window
+    // list. (Window managers drop the state of a hidden window, so it is set on every show.)
+    x11::skipTaskbarAndPager(w);
+    w.show();
+    w.raise();
+    // The popover opens because of a click on the tray, which the program itself never saw;
+    // asking the window manager as a pager would keeps focus-stealing prevention from
+    // refusing the keyboard to it.
+    if (!x11::activateAsPager(w))
+        w.requestActivate();
+}
+
+void QuickPopoverSurface::focusMoved(bool toThisWindow) {
+    qCDebug(lcPopover) << "focus moved, to the popover:" << toThisWindow << "had it" << hadFocus_
+                       << "visible" << window_->isVisible();
+    if (toThisWindow)
+        hadFocus_ = true;
+    else if (hadFocus_ && window_->isVisible())
+        closeBy(CloseReason::FocusLost);
+}
+
+void QuickPopoverSurface::fitToContent() {
+    QQuickView& w = *window_;
+    const QQuickItem* view = w.rootObject();
+    const int height = view ? static_cast<int>(std::ceil(view->implicitHeight()))
+                            : static_cast<int>(PopoverRules::initialContentHeight);
+    const QSize size(width, height);
+    w.setMinimumSize(size);
+    w.setMaximumSize(size);
+    if (const QScreen* screen = w.screen())
+        w.setGeometry(popoverGeometry(anchor_, size, screen->availableGeometry()));
+    else
+        w.resize(size);
+}
+
+void QuickPopoverSurface::hide() {
+    hadFocus_ = false;
+    context_->setShown(false);
+    window_->hide();
+}
+
+void QuickPopoverSurface::closeBy(CloseReason reason) {
+    hide();
+    emit closedByUser(reason);
+}
+
+} // namespace quelmo
