@@ -4,21 +4,27 @@
 #
 #     atspi_probe.py tree PID            the showing objects as JSON lines: role, name,
 #                                        description and extents (x, y, width, height)
-#     atspi_probe.py press PID NAME      runs the first action of the showing object named NAME
+#     atspi_probe.py press PID NAME      presses (clicks) the showing object named NAME
 
 import json
 import sys
+import time
 
 import pyatspi
 
 
-def application(pid):
-    desktop = pyatspi.Registry.getDesktop(0)
-    for i in range(desktop.childCount):
-        app = desktop.getChildAtIndex(i)
-        if app is not None and app.get_process_id() == pid:
-            return app
-    return None
+def application(pid, timeout=15):
+    # The registry learns of a program a moment after it connects to the accessibility bus.
+    deadline = time.monotonic() + timeout
+    while True:
+        desktop = pyatspi.Registry.getDesktop(0)
+        for i in range(desktop.childCount):
+            app = desktop.getChildAtIndex(i)
+            if app is not None and app.get_process_id() == pid:
+                return app
+        if time.monotonic() > deadline:
+            return None
+        time.sleep(0.3)
 
 
 def showing(node, depth=0):
@@ -61,9 +67,11 @@ def main():
                     action = node.queryAction()
                 except NotImplementedError:
                     continue
-                if action.nActions > 0:
-                    action.doAction(0)
-                    return 0
+                names = [action.getName(i).lower() for i in range(action.nActions)]
+                for wanted in ("press", "click", "activate"):
+                    if wanted in names:
+                        action.doAction(names.index(wanted))
+                        return 0
         print(f"nothing named {name!r} to press", file=sys.stderr)
         return 1
     print(f"unknown command {command!r}", file=sys.stderr)

@@ -35,8 +35,8 @@ QList<ProcInfo> procsFrom(const QJsonArray& rows) {
 }
 
 const char mascotSheet[] = R"(
-import QtQuick
 import Quelmo 1.0
+import QtQuick
 Rectangle {
     property bool hasTargets: false
     width: 4 * 150
@@ -163,8 +163,12 @@ QImage PopoverPreview::render() {
     QQuickItem* item = root();
     if (!item)
         return {};
-    const QSize size(static_cast<int>(std::ceil(item->implicitWidth())),
-                     static_cast<int>(std::ceil(item->implicitHeight())));
+    // The popover asks for its size; the mascot sheet has a fixed one.
+    const auto side = [](qreal implicit, qreal fixed) {
+        return static_cast<int>(std::ceil(implicit > 0 ? implicit : fixed));
+    };
+    const QSize size(side(item->implicitWidth(), item->width()),
+                     side(item->implicitHeight(), item->height()));
     item->setSize(size);
     window_->resize(size);
     window_->show();

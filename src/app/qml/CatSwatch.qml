@@ -25,6 +25,7 @@ AbstractButton {
     Accessible.checkable: true
     Accessible.checked: selected
     Keys.onReturnPressed: swatch.clicked()
+    Accessible.onPressAction: swatch.clicked()
 
     contentItem: Item {}
     background: Item {

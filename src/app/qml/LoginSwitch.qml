@@ -17,6 +17,15 @@ Switch {
     spacing: 6
     onToggled: context.launchAtLogin = checked
     Accessible.name: text
+    Accessible.onPressAction: toggle.flip()
+    Accessible.onToggleAction: toggle.flip()
+    Keys.onReturnPressed: toggle.flip()
+
+    // As a click would: the switch moves, then the change is handed on.
+    function flip() {
+        toggle.toggle()
+        toggle.toggled()
+    }
 
     Binding on checked {
         value: toggle.context.launchAtLogin

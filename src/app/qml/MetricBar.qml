@@ -69,6 +69,7 @@ Column {
             Accessible.checkable: true
             Accessible.checked: bar.isExpanded
             Keys.onReturnPressed: bar.toggle()
+            Accessible.onPressAction: bar.toggle()
             onClicked: bar.toggle()
 
             contentItem: Item {

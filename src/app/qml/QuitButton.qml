@@ -16,6 +16,7 @@ AbstractButton {
     Accessible.role: Accessible.Button
     Accessible.name: text
     Keys.onReturnPressed: button.clicked()
+    Accessible.onPressAction: button.clicked()
 
     contentItem: Text {
         text: button.text
