@@ -58,6 +58,7 @@ private:
     std::unique_ptr<PopoverSurface> surface_;
     bool shown_ = false;
     qint64 lastFocusLossCloseMs_ = -1;
+    qint64 openedAtMs_ = -1; // when the last open was asked for, until its first frame
 };
 
 } // namespace quelmo
