@@ -43,13 +43,21 @@ if [ "${1:-}" = "--inside" ]; then
       sleep 1
     done
     [ "$mode" = open ] && activate
-    awk '/first frame/ { for (i = 1; i < NF; i++) if ($i == "frame") ms[n++] = $(i + 1) }
+    # "first frame N ms after the activation, CPU M ms": wall time, and the CPU time the program
+    # spent on it (the part that does not depend on how busy the machine is).
+    awk '/first frame/ {
+        for (i = 1; i < NF; i++) {
+          if ($i == "frame") ms[n] = $(i + 1)
+          if ($i == "CPU") cpu[n] = $(i + 1)
+        }
+        n++
+      }
       END {
         if (n == 0) { print "no open was logged"; exit }
         later = 0; for (i = 1; i < n; i++) if (ms[i] > later) later = ms[i]
-        printf "activation to first frame: first open %d ms, later opens %s ms (slowest %d)\n",
-               ms[0], (n > 1 ? "" : "-"), later
-        for (i = 1; i < n; i++) printf "  open %d: %d ms\n", i + 1, ms[i]
+        printf "activation to first frame: first open %d ms (CPU %d ms), later opens up to %d ms\n",
+               ms[0], cpu[0], later
+        for (i = 1; i < n; i++) printf "  open %d: %d ms (CPU %d ms)\n", i + 1, ms[i], cpu[i]
         printf "goals: first < 300 ms -> %s, later < 100 ms -> %s\n",
                (ms[0] < 300 ? "met" : "MISSED"), (later < 100 ? "met" : "MISSED")
       }' "$log"
