@@ -58,6 +58,8 @@ private:
     std::unique_ptr<PopoverSurface> surface_;
     bool shown_ = false;
     qint64 lastFocusLossCloseMs_ = -1;
+    qint64 openedAtMs_ = -1;   // when the last open was asked for, until its first frame
+    qint64 openedAtCpuUs_ = 0; // the process's CPU time then
 };
 
 } // namespace quelmo

@@ -5,6 +5,9 @@
 #include "core/settings/LoginItem.h"
 #include "core/settings/Preferences.h"
 
+#include <QMetaProperty>
+#include <QQmlPropertyMap>
+
 namespace quelmo {
 
 PopoverContext::PopoverContext(QObject* metrics, Hooks hooks, QObject* parent)
@@ -83,10 +86,34 @@ void PopoverContext::setMaxHeight(double height) {
     emit maxHeightChanged();
 }
 
+QObject* PopoverContext::metrics() const {
+    return shown_ || !stillMetrics_ ? metrics_.data() : stillMetrics_.get();
+}
+
+namespace {
+
+// The readable properties of `source` at this moment, as a map QML reads like the object itself.
+std::unique_ptr<QObject> stillCopy(const QObject& source) {
+    auto copy = std::make_unique<QQmlPropertyMap>();
+    const QMetaObject* meta = source.metaObject();
+    for (int i = QObject::staticMetaObject.propertyCount(); i < meta->propertyCount(); ++i) {
+        const QMetaProperty property = meta->property(i);
+        copy->insert(QString::fromLatin1(property.name()), property.read(&source));
+    }
+    return copy;
+}
+
+} // namespace
+
 void PopoverContext::setShown(bool shown) {
     if (shown == shown_)
         return;
     shown_ = shown;
+    if (!shown_ && metrics_)
+        stillMetrics_ = stillCopy(*metrics_);
+    emit metricsChanged();
+    if (shown_)
+        stillMetrics_.reset();
     emit shownChanged();
 }
 

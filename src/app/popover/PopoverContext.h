@@ -6,6 +6,7 @@
 #include <QPointer>
 #include <QStringList>
 #include <functional>
+#include <memory>
 
 namespace quelmo {
 
@@ -14,8 +15,10 @@ namespace quelmo {
 // screen it opens on, and the way out (Quit). One per popover window.
 class PopoverContext : public QObject {
     Q_OBJECT
-    // The hub, or anything with the same readings as properties (the preview program).
-    Q_PROPERTY(QObject* metrics READ metrics CONSTANT)
+    // The hub, or anything with the same readings as properties (the preview program). While the
+    // popover is hidden the views see a still copy of the last readings instead, so they do no
+    // work on the hub's ticks.
+    Q_PROPERTY(QObject* metrics READ metrics NOTIFY metricsChanged)
     Q_PROPERTY(quelmo::ProcessListModel* topCPU READ topCPU CONSTANT)
     Q_PROPERTY(quelmo::ProcessListModel* topMem READ topMem CONSTANT)
     Q_PROPERTY(QString langRaw READ langRaw WRITE setLangRaw NOTIFY langRawChanged)
@@ -41,7 +44,7 @@ public:
     // Without hooks the real autostart entry is used and a language change asks nothing more.
     explicit PopoverContext(QObject* metrics, Hooks hooks = {}, QObject* parent = nullptr);
 
-    QObject* metrics() const { return metrics_; }
+    QObject* metrics() const;
     ProcessListModel* topCPU() { return &topCPU_; }
     ProcessListModel* topMem() { return &topMem_; }
 
@@ -69,6 +72,7 @@ public:
     Q_INVOKABLE void quit() { emit quitRequested(); }
 
 signals:
+    void metricsChanged();
     void langRawChanged();
     void catStyleRawChanged();
     void launchAtLoginChanged();
@@ -78,6 +82,7 @@ signals:
 
 private:
     QPointer<QObject> metrics_;
+    std::unique_ptr<QObject> stillMetrics_; // the readings when the popover was hidden
     Hooks hooks_;
     ProcessListModel topCPU_;
     ProcessListModel topMem_;

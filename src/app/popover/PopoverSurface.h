@@ -27,6 +27,8 @@ signals:
     void closedByUser(quelmo::PopoverSurface::CloseReason reason);
     // The user asked, from inside the popover, to end the program.
     void quitRequested();
+    // The first frame after `showAt` is on screen.
+    void firstFrameShown();
 };
 
 } // namespace quelmo

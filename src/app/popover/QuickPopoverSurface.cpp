@@ -13,6 +13,7 @@
 #include <QQuickItem>
 #include <QScreen>
 #include <cmath>
+#include <utility>
 
 namespace quelmo {
 
@@ -55,6 +56,13 @@ QuickPopoverSurface::QuickPopoverSurface(SystemMetrics& metrics, QObject* parent
     registerPopoverQml(*w.engine());
     w.setInitialProperties({{QStringLiteral("context"), QVariant::fromValue(context_)}});
     w.setSource(QUrl(QString::fromLatin1(popoverViewUrl)));
+    connect(
+        &w, &QQuickWindow::frameSwapped, this,
+        [this] {
+            if (std::exchange(awaitingFirstFrame_, false))
+                emit firstFrameShown();
+        },
+        Qt::QueuedConnection);
     if (QQuickItem* view = w.rootObject())
         connect(view, &QQuickItem::implicitHeightChanged, this, &QuickPopoverSurface::fitToContent);
 
@@ -83,6 +91,7 @@ void QuickPopoverSurface::showAt(QPoint anchor) {
         screen ? std::optional<double>(screen->availableGeometry().height()) : std::nullopt));
     context_->reload();
     context_->setShown(true);
+    awaitingFirstFrame_ = true;
     fitToContent();
     // Keep the panel out of taskbars and pagers: it belongs to the tray item, not to the window
     // list. (Window managers drop the state of a hidden window, so it is set on every show.)

@@ -41,6 +41,7 @@ private:
     PopoverContext* context_ = nullptr; // child QObject
     x11::ActiveWindowWatch* activeWindow_ = nullptr;
     bool hadFocus_ = false;
+    bool awaitingFirstFrame_ = false;
     QPoint anchor_;
 };
 

@@ -4,6 +4,7 @@
 #include "support/TempSettings.h"
 
 #include <QSignalSpy>
+#include <QTimer>
 #include <gtest/gtest.h>
 
 namespace quelmo {
@@ -69,6 +70,25 @@ TEST_F(PopoverContextTest, LaunchAtLoginShowsTheRealState) {
     context.setLaunchAtLogin(true);
     EXPECT_FALSE(context.launchAtLogin()); // refused: back to the entry's state
     EXPECT_EQ(changes.count(), 2);
+}
+
+TEST_F(PopoverContextTest, HiddenViewsSeeAStillCopyOfTheReadings) {
+    QTimer hub; // any object with readable properties stands for the hub
+    hub.setInterval(1000);
+    PopoverContext context(&hub, hooks());
+    context.setShown(true);
+    EXPECT_EQ(context.metrics(), &hub);
+
+    context.setShown(false);
+    QObject* still = context.metrics();
+    ASSERT_NE(still, &hub);
+    hub.setInterval(250);
+    EXPECT_EQ(still->property("interval").toInt(), 1000);
+
+    QSignalSpy switched(&context, &PopoverContext::metricsChanged);
+    context.setShown(true);
+    EXPECT_EQ(context.metrics(), &hub);
+    EXPECT_EQ(switched.count(), 1);
 }
 
 } // namespace
