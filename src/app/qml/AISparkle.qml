@@ -1,0 +1,9 @@
+import QtQuick
+
+// The advisor's sparkle: the "sparkles" symbol shaded from pink to lavender.
+Symbol {
+    name: "sparkles"
+    size: 11
+    color: Palette.pink
+    gradientTo: Palette.lav
+}
