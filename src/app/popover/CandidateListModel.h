@@ -1,6 +1,6 @@
 #pragma once
 
-#include "popover/CleanupRules.h"
+#include "app/popover/CleanupRules.h"
 
 #include <QAbstractListModel>
 #include <QList>

@@ -1,7 +1,7 @@
-#include "popover/CleanupFeed.h"
+#include "app/popover/CleanupFeed.h"
 
-#include "metrics/SystemMetrics.h"
-#include "settings/AppLang.h"
+#include "core/metrics/SystemMetrics.h"
+#include "core/settings/AppLang.h"
 
 namespace quelmo {
 

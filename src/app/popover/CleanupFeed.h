@@ -1,8 +1,8 @@
 #pragma once
 
-#include "advisor/AIAdvisor.h"
-#include "popover/CandidateListModel.h"
-#include "popover/CutSequence.h"
+#include "app/popover/CandidateListModel.h"
+#include "app/popover/CutSequence.h"
+#include "core/advisor/AIAdvisor.h"
 
 #include <QObject>
 #include <QPointer>

@@ -1,4 +1,4 @@
-#include "popover/CleanupRules.h"
+#include "app/popover/CleanupRules.h"
 
 #include <cmath>
 #include <numbers>

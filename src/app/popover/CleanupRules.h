@@ -1,8 +1,8 @@
 #pragma once
 
-#include "advisor/AIAdvisor.h"
-#include "advisor/AIVerdict.h"
-#include "cleanup/CleanupCandidate.h"
+#include "core/advisor/AIAdvisor.h"
+#include "core/advisor/AIVerdict.h"
+#include "core/cleanup/CleanupCandidate.h"
 
 #include <QHash>
 #include <QList>

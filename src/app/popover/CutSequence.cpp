@@ -1,6 +1,6 @@
-#include "popover/CutSequence.h"
+#include "app/popover/CutSequence.h"
 
-#include "popover/CleanupRules.h"
+#include "app/popover/CleanupRules.h"
 
 #include <QPointer>
 #include <QTimer>

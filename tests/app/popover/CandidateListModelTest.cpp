@@ -1,4 +1,4 @@
-#include "popover/CandidateListModel.h"
+#include "app/popover/CandidateListModel.h"
 
 #include <QAbstractItemModelTester>
 #include <QSignalSpy>

@@ -1,4 +1,4 @@
-#include "popover/CutSequence.h"
+#include "app/popover/CutSequence.h"
 
 #include <gtest/gtest.h>
 #include <map>
