@@ -1,0 +1,132 @@
+#!/usr/bin/env python3
+# The cleanup card's cost in the real program, in a headless desktop (Xvfb, openbox, an
+# xfce4-panel tray; Qt Quick's software renderer, as the program always uses).
+#
+#   bench/app/cleanup_card_load.py frames BINARY [CUTS]
+#       Cuts CUTS rows (default 3), one after the other, each with the mascot's journey, and
+#       reports Qt Quick's own timing (QSG_RENDER_TIMING) of every frame drawn from the press
+#       until the row has left. Goal: no frame over 32 ms.
+#   bench/app/cleanup_card_load.py cpu BINARY [SECONDS]
+#       Six candidate rows, the pointer moving from row to row every 0.6 s, the mascot awake;
+#       reports the program's CPU time over SECONDS (default 60) as a share of one core.
+#       Goal: under 5 %.
+#
+# The candidates are processes of its own: busy loops (or, for `cpu`, loops busy a fifth of the
+# time), which the keenest sensitivity offers after six seconds.
+
+import os
+import re
+import signal
+import sys
+import time
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+sys.path.insert(0, os.path.join(HERE, "..", "..", "tests", "desktop"))
+from cut_end_to_end import SYSTEM_PYTHON, cut_buttons, header_button, seed_settings  # noqa: E402
+from desktop_session import DesktopSession, wait_until  # noqa: E402
+from tray_end_to_end import click, item_on_panel, registered, running, wait_popover  # noqa: E402
+
+FRAME = re.compile(rb"Frame rendered with '\w+' renderloop in (\d+)ms")
+
+
+def loop(session, name, busy_share=1.0):
+    # A process called `name` busy for `busy_share` of every 100 ms.
+    code = (f"import ctypes, time\nctypes.CDLL(None).prctl(15, b'{name}', 0, 0, 0)\n"
+            f"while True:\n"
+            f"    end = time.monotonic() + {0.1 * busy_share}\n"
+            f"    while time.monotonic() < end: pass\n"
+            f"    time.sleep({0.1 * (1 - busy_share)})\n")
+    return session.spawn([SYSTEM_PYTHON, "-c", code])
+
+
+def cpu_seconds(pid):
+    with open(f"/proc/{pid}/stat", "rb") as f:
+        fields = f.read().rsplit(b")", 1)[1].split()
+    return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
+
+
+def open_card(session, quelmo, names):
+    (x, y), _ = wait_until(lambda: item_on_panel(session), 15, "the icon")
+    click(session, x, y)
+    wait_popover(session, True)
+    click(session, *wait_until(lambda: header_button(session, quelmo.pid), 30, "the header"))
+    return wait_until(lambda: all(n in (b := cut_buttons(session, quelmo.pid)) for n in names)
+                      and b, 90, f"rows for {names}")
+
+
+def frames(session, binary, cuts):
+    names = [f"bench-hog-{i}" for i in range(cuts)]
+    loops = [loop(session, n) for n in names]
+    log = os.path.join(session.root, "frames.log")
+    env = {"QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1", "NO_AT_BRIDGE": "0", "LANGUAGE": "en",
+           "QSG_RENDER_TIMING": "1"}
+    worst = []
+    # Its output goes to a file of its own, so that only its frames are read.
+    with open(log, "wb") as out:
+        quelmo = session.spawn([binary], env=env, stdout=out, stderr=out)
+        try:
+            registered(session, quelmo)
+            rows = open_card(session, quelmo, names)
+            for name in names:
+                time.sleep(1.5)
+                start = os.path.getsize(log)
+                click(session, *rows[name])
+                time.sleep(2.0)  # the journey (0.85 s), the removal and the return
+                with open(log, "rb") as f:
+                    f.seek(start)
+                    times = [int(m) for m in FRAME.findall(f.read())]
+                worst.append(max(times) if times else None)
+                print(f"cut {name}: {len(times)} frames, longest {worst[-1]} ms, "
+                      f"mean {sum(times) / max(len(times), 1):.1f} ms", flush=True)
+                rows = cut_buttons(session, quelmo.pid)
+        finally:
+            quelmo.terminate()
+            quelmo.wait(10)
+            for p in loops:
+                p.kill()
+    print(f"longest frame over {len(worst)} cuts: {max(w or 0 for w in worst)} ms (goal 32 ms)")
+
+
+def cpu(session, binary, seconds):
+    names = [f"bench-row-{i}" for i in range(6)]
+    loops = [loop(session, n, 0.2) for n in names]
+    env = {"QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1", "NO_AT_BRIDGE": "0", "LANGUAGE": "en"}
+    try:
+        with running(session, [binary], env) as quelmo:
+            registered(session, quelmo)
+            rows = open_card(session, quelmo, names)
+            points = [rows[n] for n in names]
+            # Over the names, left of the Cut buttons: hovering opens each row's details.
+            points = [(x - 120, y) for x, y in points]
+            before, started = cpu_seconds(quelmo.pid), time.monotonic()
+            i = 0
+            while time.monotonic() - started < seconds:
+                x, y = points[i % len(points)]
+                session.run(["xdotool", "mousemove", str(x), str(y)])
+                i += 1
+                time.sleep(0.6)
+            used = cpu_seconds(quelmo.pid) - before
+            elapsed = time.monotonic() - started
+            print(f"{used:.2f} s of CPU in {elapsed:.1f} s: {100 * used / elapsed:.2f} % of one "
+                  f"core (goal under 5 %)")
+    finally:
+        for p in loops:
+            p.kill()
+
+
+def main():
+    if len(sys.argv) < 3 or sys.argv[1] not in ("frames", "cpu"):
+        sys.exit(__doc__ or f"usage: {sys.argv[0]} frames|cpu BINARY [N]")
+    mode, binary = sys.argv[1], os.path.abspath(sys.argv[2])
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit(143))
+    with DesktopSession() as session:
+        session.spawn(["/usr/libexec/at-spi-bus-launcher", "--launch-immediately"])
+        seed_settings(session, {})
+        if mode == "frames":
+            frames(session, binary, int(sys.argv[3]) if len(sys.argv) > 3 else 3)
+        else:
+            cpu(session, binary, float(sys.argv[3]) if len(sys.argv) > 3 else 60)
+
+
+if __name__ == "__main__":
+    main()
