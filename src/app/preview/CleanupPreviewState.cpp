@@ -1,13 +1,11 @@
 #include "app/preview/CleanupPreviewState.h"
 
-#include "app/popover/CleanupFeed.h"
-
 #include <QJsonArray>
 
 namespace quelmo {
 
-void loadCleanupState(const QJsonObject& state, CleanupFeed& feed) {
-    QList<CleanupCandidate> candidates;
+CleanupPreviewState CleanupPreviewState::fromJson(const QJsonObject& state) {
+    CleanupPreviewState preview;
     for (const QJsonValue& value : state.value(QLatin1String("candidates")).toArray()) {
         const QJsonObject row = value.toObject();
         CleanupCandidate c;
@@ -22,28 +20,29 @@ void loadCleanupState(const QJsonObject& state, CleanupFeed& feed) {
         c.hasWindow = row.value(QLatin1String("hasWindow")).toBool();
         if (row.contains(QLatin1String("displayName")))
             c.displayName = row.value(QLatin1String("displayName")).toString();
-        candidates.append(c);
+        preview.candidates.append(c);
     }
 
-    cleanup_rules::Verdicts verdicts;
     const QJsonObject judged = state.value(QLatin1String("verdicts")).toObject();
     for (auto it = judged.constBegin(); it != judged.constEnd(); ++it) {
         const QJsonObject v = it.value().toObject();
         const QString recommendation = v.value(QLatin1String("recommendation")).toString();
-        verdicts.insert(it.key(), AIVerdict{v.value(QLatin1String("explanation")).toString(),
-                                            recommendation == QLatin1String("cut"),
-                                            v.value(QLatin1String("risk")).toString(),
-                                            recommendation});
+        preview.verdicts.insert(
+            it.key(), AIVerdict{v.value(QLatin1String("explanation")).toString(),
+                                recommendation == QLatin1String("cut"),
+                                v.value(QLatin1String("risk")).toString(), recommendation});
     }
 
     const QJsonObject advisor = state.value(QLatin1String("advisor")).toObject();
     const bool available = advisor.value(QLatin1String("available")).toBool();
     const QString captured = advisor.value(QLatin1String("capturedReason")).toString();
-    feed.setAdvisorStatus({available, available ? QString() : captured},
-                          {captured.isEmpty(), captured});
+    preview.live = {available, available ? QString() : captured};
+    preview.captured = {captured.isEmpty(), captured};
     if (state.contains(QLatin1String("sensitivity")))
-        feed.setSensitivity(state.value(QLatin1String("sensitivity")).toDouble());
-    feed.setCandidates(candidates, verdicts);
+        preview.sensitivity = state.value(QLatin1String("sensitivity")).toDouble();
+    preview.hovered = state.value(QLatin1String("hovered")).toInteger(-1);
+    preview.showCriteria = state.value(QLatin1String("showCriteria")).toBool();
+    return preview;
 }
 
 } // namespace quelmo

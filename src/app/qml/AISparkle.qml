@@ -1,3 +1,4 @@
+import Quelmo 1.0
 import QtQuick
 
 // The advisor's sparkle: the "sparkles" symbol shaded from pink to lavender.

@@ -1,5 +1,5 @@
-import QtQuick
 import Quelmo 1.0
+import QtQuick
 
 // One cleanup candidate: status dot, name, Keep tag, memory and Cut; under the pointer (or with
 // the keyboard on its Cut) it opens a detail block with the reason, the idle line and the
@@ -104,7 +104,6 @@ Item {
                     text: Rules.mem(row.rss)
                     secondary: true
                     font.pixelSize: 10
-                    font.features: { "tnum": 1 }
                     anchors.verticalCenter: parent.verticalCenter
                 }
                 CutButton {

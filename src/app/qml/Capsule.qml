@@ -1,3 +1,4 @@
+import Quelmo 1.0
 import QtQuick
 
 // A small text on a filled capsule: the Keep tag and badges, the count badge.

@@ -1,6 +1,6 @@
+import Quelmo 1.0
 import QtQuick
 import QtQuick.Controls.Basic
-import Quelmo 1.0
 
 // The cleanup card: the header with the count and "Cut all", the advisor's banner and criteria,
 // the mascot above the cut line, one row per candidate, the sensitivity slider and the advisor's
@@ -10,11 +10,11 @@ LiquidCard {
     id: card
 
     // The popover view whose state the card shows and changes.
-    required property Item view
+    required property Item popover
     required property QtObject feed
 
     readonly property var candidates: feed.candidates
-    readonly property bool expanded: view.expanded.indexOf("cleanup") >= 0
+    readonly property bool expanded: popover.expanded.indexOf("cleanup") >= 0
     readonly property var texts: feed.texts
     // The mascot's distance below its lane, following the cut sequence on its springs.
     property real catTravelY: 0
@@ -32,7 +32,7 @@ LiquidCard {
     }
     function cutRow(pid) {
         const ys = rowYs()
-        view.rowYs = ys
+        popover.rowYs = ys
         feed.cut.cut([pid], pid, ys)
     }
     function cutAll() {
@@ -46,7 +46,7 @@ LiquidCard {
     Accessible.name: texts.cutPick
 
     Connections {
-        target: card.view
+        target: card.popover
         function onLangChanged() { card.feed.refreshLanguage() }
     }
     Connections {
@@ -82,7 +82,7 @@ LiquidCard {
         Accessible.checked: card.expanded
         Keys.onReturnPressed: clicked()
         Keys.onEnterPressed: clicked()
-        onClicked: card.view.toggle("cleanup")
+        onClicked: card.popover.toggle("cleanup")
 
         background: Rectangle {
             color: "transparent"
@@ -109,7 +109,6 @@ LiquidCard {
                     visible: card.candidates.count > 0
                     text: String(card.candidates.count)
                     font.pixelSize: 10
-                    font.features: { "tnum": 1 }
                     hPadding: 6
                     color: Palette.faded(Palette.pink, 0.3)
                     anchors.verticalCenter: parent.verticalCenter
@@ -177,11 +176,11 @@ LiquidCard {
     AIBanner {
         visible: card.expanded
         feed: card.feed
-        showCriteria: card.view.showCriteria
-        onClicked: card.view.showCriteria = !card.view.showCriteria
+        showCriteria: card.popover.showCriteria
+        onClicked: card.popover.showCriteria = !card.popover.showCriteria
     }
     CriteriaPanel {
-        visible: card.expanded && card.view.showCriteria
+        visible: card.expanded && card.popover.showCriteria
         feed: card.feed
     }
 
@@ -198,7 +197,7 @@ LiquidCard {
             trigger: card.feed.cut.cutTrigger
             hasTargets: card.candidates.cutTargetCount > 0
             travelY: card.catTravelY
-            styleRaw: card.view.context.catStyleRaw
+            styleRaw: card.popover.context.catStyleRaw
         }
         DashLine {
             x: 2
@@ -233,19 +232,16 @@ LiquidCard {
         model: card.candidates
         Accessible.role: Accessible.List
         Accessible.name: card.texts.cutPick
-        Behavior on height {
-            SpringAnimation { spring: card.feed.cut.listSpring || 2.5; damping: card.feed.cut.listDamping || 0.34; epsilon: 0.5 }
-        }
 
         delegate: CandidateRow {
-            hovered: card.view.hoveredID === pid
+            hovered: card.popover.hoveredID === pid
             advisorAvailable: card.feed.advisorAvailable
             texts: card.texts
             onHoverChanged: inside => {
                 if (inside)
-                    card.view.hoveredID = pid
-                else if (card.view.hoveredID === pid)
-                    card.view.hoveredID = -1
+                    card.popover.hoveredID = pid
+                else if (card.popover.hoveredID === pid)
+                    card.popover.hoveredID = -1
             }
             onCutPressed: card.cutRow(pid)
         }

@@ -1,3 +1,4 @@
+import Quelmo 1.0
 import QtQuick
 
 // One criterion: its symbol in its colour, a title over a detail line.

@@ -1,3 +1,4 @@
+import Quelmo 1.0
 import QtQuick
 
 // How candidates are picked: nine fixed items in three groups.

@@ -1,3 +1,4 @@
+import Quelmo 1.0
 import QtQuick
 import QtQuick.Controls.Basic
 

@@ -1,3 +1,4 @@
+import Quelmo 1.0
 import QtQuick
 
 // Why a process is offered: the reason's symbol and label on a capsule of the reason's colour.
