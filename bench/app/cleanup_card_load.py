@@ -22,9 +22,10 @@ import time
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 sys.path.insert(0, os.path.join(HERE, "..", "..", "tests", "desktop"))
-from cut_end_to_end import SYSTEM_PYTHON, cut_buttons, header_button, seed_settings  # noqa: E402
+from cut_end_to_end import SYSTEM_PYTHON, cut_buttons, header_button, seed_settings, \
+    wait_popover  # noqa: E402
 from desktop_session import DesktopSession, wait_until  # noqa: E402
-from tray_end_to_end import click, item_on_panel, registered, running, wait_popover  # noqa: E402
+from tray_end_to_end import click, item_on_panel, registered, running  # noqa: E402
 
 FRAME = re.compile(rb"Frame rendered with '\w+' renderloop in (\d+)ms")
 
@@ -48,7 +49,7 @@ def cpu_seconds(pid):
 def open_card(session, quelmo, names):
     (x, y), _ = wait_until(lambda: item_on_panel(session), 15, "the icon")
     click(session, x, y)
-    wait_popover(session, True)
+    wait_popover(session)
     click(session, *wait_until(lambda: header_button(session, quelmo.pid), 30, "the header"))
     return wait_until(lambda: all(n in (b := cut_buttons(session, quelmo.pid)) for n in names)
                       and b, 90, f"rows for {names}")

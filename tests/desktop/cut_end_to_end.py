@@ -18,8 +18,8 @@ import time
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 from desktop_session import DesktopSession, SessionError, wait_until  # noqa: E402
-from tray_end_to_end import CheckFailed, click, expect, item_on_panel, registered, running, \
-    wait_popover  # noqa: E402
+from tray_end_to_end import CheckFailed, click, expect, item_on_panel, registered, \
+    running  # noqa: E402
 
 OVERALL_SECONDS = 400
 PROBE = os.path.join(os.path.dirname(os.path.abspath(__file__)), "atspi_probe.py")
@@ -85,6 +85,18 @@ def header_button(session, pid):
     return None
 
 
+def wait_popover(session):
+    # The popover: the program's window 320 wide (as tall as its content), once it has the
+    # keyboard.
+    def shown():
+        found = session.run(["xdotool", "search", "--onlyvisible", "--class", "^quelmo$"])
+        return next((w for w in found.stdout.split()
+                     if (g := session.window_geometry(w)) and g[2] == 320), None)
+    window = wait_until(shown, 20, "the popover to open")
+    wait_until(lambda: session.run(["xdotool", "getactivewindow"]).stdout.strip() == window, 20,
+               "the popover to take the keyboard")
+
+
 def window_of(session, pid):
     found = session.run(["xdotool", "search", "--onlyvisible", "--pid", str(pid)]).stdout.split()
     return found[0] if found else None
@@ -101,7 +113,8 @@ def check_real_cut(session, binary):
     mousepad = session.spawn(["mousepad", "--disable-server", document])
     wait_until(lambda: window_of(session, mousepad.pid), 30, "Mousepad's window")
     with running(session, ["xlogo", "-geometry", "300x300+100+300"]) as logo:
-        window = wait_until(lambda: window_of(session, logo.pid), 20, "xlogo's window")
+        window = wait_until(lambda: session.run(["xdotool", "search", "--onlyvisible", "--class",
+                                                 "xlogo"]).stdout.split(), 20, "xlogo's window")[0]
         session.run(["xdotool", "windowactivate", "--sync", window])
         seed_settings(session, {"org.xfce.mousepad": time.time() - 3 * 3600})
 
@@ -113,7 +126,7 @@ def check_real_cut(session, binary):
                 registered(session, quelmo)
                 (x, y), _ = wait_until(lambda: item_on_panel(session), 15, "the icon")
                 click(session, x, y)
-                wait_popover(session, True)
+                wait_popover(session)
                 hx, hy = wait_until(lambda: header_button(session, quelmo.pid), 30,
                                     "the cleanup card's header")
                 click(session, hx, hy)
@@ -133,7 +146,7 @@ def check_real_cut(session, binary):
                 expect(PROTECTED_HOG not in rows and FOREIGN_HOG not in rows,
                        f"protected or foreign processes offered: {sorted(rows)}")
                 click(session, *rows["Mousepad"])
-                # Asked to close its window (an empty document closes without a question).
+                # Asked to close its window (an unchanged document closes without a question).
                 expect(mousepad.wait(10) == 0, f"Mousepad ended with {mousepad.returncode}")
                 wait_until(lambda: "Mousepad" not in cut_buttons(session, quelmo.pid), 10,
                            "the Mousepad row to leave")
