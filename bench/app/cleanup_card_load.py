@@ -27,6 +27,9 @@ from cut_end_to_end import SYSTEM_PYTHON, cut_buttons, header_button, seed_setti
 from desktop_session import DesktopSession, wait_until  # noqa: E402
 from tray_end_to_end import click, item_on_panel, registered, running  # noqa: E402
 
+# This machine's cores are shared with other work (build jobs): with QUELMO_BENCH_PRIORITY=high
+# the program runs ahead of it (nice -10, as root), as it would on a desktop of its own.
+PRIORITY = ["nice", "-n", "-10"] if os.environ.get("QUELMO_BENCH_PRIORITY") == "high" else []
 FRAME = re.compile(rb"Frame rendered with '\w+' renderloop in (\d+)ms")
 
 
@@ -37,7 +40,9 @@ def loop(session, name, busy_share=1.0):
             f"    end = time.monotonic() + {0.1 * busy_share}\n"
             f"    while time.monotonic() < end: pass\n"
             f"    time.sleep({0.1 * (1 - busy_share)})\n")
-    return session.spawn([SYSTEM_PYTHON, "-c", code])
+    # At the lowest priority, so that they take only what the program leaves: the measure is the
+    # program's own work, not the time it waits for a core.
+    return session.spawn(["nice", "-n", "19", SYSTEM_PYTHON, "-c", code])
 
 
 def cpu_seconds(pid):
@@ -60,26 +65,36 @@ def frames(session, binary, cuts):
     loops = [loop(session, n) for n in names]
     log = os.path.join(session.root, "frames.log")
     env = {"QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1", "NO_AT_BRIDGE": "0", "LANGUAGE": "en",
-           "QSG_RENDER_TIMING": "1"}
+           "QSG_RENDER_TIMING": "1", "QT_LOGGING_RULES": "qt.scenegraph.time.renderloop.debug=true"}
     worst = []
     # Its output goes to a file of its own, so that only its frames are read.
     with open(log, "wb") as out:
-        quelmo = session.spawn([binary], env=env, stdout=out, stderr=out)
+        quelmo = session.spawn(PRIORITY + [binary], env=env, stdout=out, stderr=out)
         try:
             registered(session, quelmo)
             rows = open_card(session, quelmo, names)
             for name in names:
+                # (A cut refreshes the table at once, which may hide the other rows for a while.)
                 time.sleep(1.5)
+                rows = wait_until(lambda: name in (b := cut_buttons(session, quelmo.pid)) and b,
+                                  60, f"the row of {name}")
+                # The pointer comes to the button first, as a hand does: the row opens its details
+                # and the tooltip shows before the press.
+                x, y = rows[name]
+                session.run(["xdotool", "mousemove", str(x), str(y)])
+                time.sleep(1.2)
                 start = os.path.getsize(log)
-                click(session, *rows[name])
+                click(session, x, y)
                 time.sleep(2.0)  # the journey (0.85 s), the removal and the return
                 with open(log, "rb") as f:
                     f.seek(start)
-                    times = [int(m) for m in FRAME.findall(f.read())]
+                    lines = [line for line in f.read().splitlines() if FRAME.search(line)]
+                times = [int(FRAME.search(line).group(1)) for line in lines]
+                for line in sorted(lines, key=lambda l: -int(FRAME.search(l).group(1)))[:2]:
+                    print("   ", line.decode(errors="replace").split("renderloop ")[-1])
                 worst.append(max(times) if times else None)
                 print(f"cut {name}: {len(times)} frames, longest {worst[-1]} ms, "
                       f"mean {sum(times) / max(len(times), 1):.1f} ms", flush=True)
-                rows = cut_buttons(session, quelmo.pid)
         finally:
             quelmo.terminate()
             quelmo.wait(10)
@@ -93,7 +108,7 @@ def cpu(session, binary, seconds):
     loops = [loop(session, n, 0.2) for n in names]
     env = {"QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1", "NO_AT_BRIDGE": "0", "LANGUAGE": "en"}
     try:
-        with running(session, [binary], env) as quelmo:
+        with running(session, PRIORITY + [binary], env) as quelmo:
             registered(session, quelmo)
             rows = open_card(session, quelmo, names)
             points = [rows[n] for n in names]
