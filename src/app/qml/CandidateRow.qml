@@ -125,10 +125,11 @@ Item {
             readonly property bool shown: row.hovered
 
             width: parent.width
+            // The height changes in one step: the popover's window follows its content's height,
+            // and resizing it on every frame of an animation would repaint it all each time.
             height: shown ? block.implicitHeight : 0
             clip: true
             visible: height > 0
-            Behavior on height { NumberAnimation { duration: 150; easing.type: Easing.InOutQuad } }
 
             Column {
                 id: block
