@@ -1,6 +1,7 @@
 #include "app/popover/PopoverQml.h"
 
 #include "app/popover/CardShadowProvider.h"
+#include "app/popover/CleanupFeed.h"
 #include "app/popover/MascotBehavior.h"
 #include "app/popover/PopoverContext.h"
 #include "app/popover/PopoverRulesObject.h"
@@ -24,6 +25,12 @@ void registerPopoverQml(QQmlEngine& engine) {
                                                      QStringLiteral("made by the popover"));
         qmlRegisterUncreatableType<PopoverContext>(uri, 1, 0, "PopoverContext",
                                                    QStringLiteral("made by the popover"));
+        qmlRegisterUncreatableType<CleanupFeed>(uri, 1, 0, "CleanupFeed",
+                                                QStringLiteral("made by the popover"));
+        qmlRegisterUncreatableType<CandidateListModel>(uri, 1, 0, "CandidateListModel",
+                                                       QStringLiteral("made by the popover"));
+        qmlRegisterUncreatableType<CutSequence>(uri, 1, 0, "CutSequence",
+                                                QStringLiteral("made by the popover"));
         return true;
     }();
     Q_UNUSED(typesRegistered);

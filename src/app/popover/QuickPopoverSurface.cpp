@@ -1,5 +1,6 @@
 #include "app/popover/QuickPopoverSurface.h"
 
+#include "app/popover/CleanupFeed.h"
 #include "app/popover/Popover.h"
 #include "app/popover/PopoverContext.h"
 #include "app/popover/PopoverPlacement.h"
@@ -47,6 +48,7 @@ QuickPopoverSurface::QuickPopoverSurface(SystemMetrics& metrics, QObject* parent
     context_->topCPU()->setRows(metrics.topCPU());
     context_->topMem()->setRows(metrics.topMem());
     connect(context_, &PopoverContext::quitRequested, this, &PopoverSurface::quitRequested);
+    cleanup_ = new CleanupFeed(metrics, this);
 
     QQuickView& w = *window_;
     w.setTitle(QStringLiteral("Quelmo"));
@@ -54,7 +56,8 @@ QuickPopoverSurface::QuickPopoverSurface(SystemMetrics& metrics, QObject* parent
     w.setColor(Qt::transparent);
     w.setResizeMode(QQuickView::SizeRootObjectToView);
     registerPopoverQml(*w.engine());
-    w.setInitialProperties({{QStringLiteral("context"), QVariant::fromValue(context_)}});
+    w.setInitialProperties({{QStringLiteral("context"), QVariant::fromValue(context_)},
+                            {QStringLiteral("cleanup"), QVariant::fromValue(cleanup_)}});
     w.setSource(QUrl(QString::fromLatin1(popoverViewUrl)));
     connect(
         &w, &QQuickWindow::frameSwapped, this,

@@ -7,6 +7,7 @@
 
 namespace quelmo {
 
+class CleanupFeed;
 class PopoverContext;
 class SystemMetrics;
 
@@ -39,6 +40,7 @@ private:
 
     std::unique_ptr<Window> window_;
     PopoverContext* context_ = nullptr; // child QObject
+    CleanupFeed* cleanup_ = nullptr;    // child QObject
     x11::ActiveWindowWatch* activeWindow_ = nullptr;
     bool hadFocus_ = false;
     bool awaitingFirstFrame_ = false;

@@ -1,8 +1,10 @@
 #include "app/preview/PopoverPreview.h"
 
+#include "app/popover/CleanupFeed.h"
 #include "app/popover/PopoverContext.h"
 #include "app/popover/PopoverQml.h"
 #include "app/popover/PopoverRules.h"
+#include "app/preview/CleanupPreviewState.h"
 #include "core/settings/AppLang.h"
 #include "core/settings/Preferences.h"
 
@@ -128,6 +130,18 @@ PopoverPreview::PopoverPreview(const PreviewState& state)
     // Still: the loops would make every picture different.
     context_->setShown(false);
 
+    const CleanupPreviewState cleanup = CleanupPreviewState::fromJson(state.extra);
+    cleanup_ = std::make_unique<CleanupFeed>(
+        [this, rows = cleanup.candidates,
+         verdicts = cleanup.verdicts](const QList<qint64>& pids) mutable {
+            rows.removeIf([&pids](const CleanupCandidate& c) { return pids.contains(c.id()); });
+            cleanup_->setCandidates(rows, verdicts);
+        });
+    cleanup_->setAdvisorStatus(cleanup.live, cleanup.captured);
+    if (cleanup.sensitivity)
+        cleanup_->setSensitivity(*cleanup.sensitivity);
+    cleanup_->setCandidates(cleanup.candidates, cleanup.verdicts);
+
     window_ = std::make_unique<QQuickView>();
     window_->setColor(Qt::transparent);
     window_->setResizeMode(QQuickView::SizeViewToRootObject);
@@ -144,7 +158,10 @@ PopoverPreview::PopoverPreview(const PreviewState& state)
     } else {
         window_->setInitialProperties(
             {{QStringLiteral("context"), QVariant::fromValue(context_.get())},
-             {QStringLiteral("expanded"), state.expanded}});
+             {QStringLiteral("expanded"), state.expanded},
+             {QStringLiteral("cleanup"), QVariant::fromValue(cleanup_.get())},
+             {QStringLiteral("hoveredID"), static_cast<int>(cleanup.hovered)},
+             {QStringLiteral("showCriteria"), cleanup.showCriteria}});
         window_->setSource(QUrl(QString::fromLatin1(popoverViewUrl)));
         for (const QQmlError& error : window_->errors())
             errors_ += error.toString() + QLatin1Char('\n');

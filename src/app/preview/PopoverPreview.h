@@ -15,6 +15,7 @@ class QQuickView;
 
 namespace quelmo {
 
+class CleanupFeed;
 class PopoverContext;
 
 // What the preview draws: the hub's readings, the top lists, the settings and the view state.
@@ -52,6 +53,8 @@ public:
     QQuickItem* root() const;
     QQuickView& window() { return *window_; }
     PopoverContext& context() { return *context_; }
+    // The cleanup card's feed: cutting a row removes it, as the hub would.
+    CleanupFeed& cleanup() { return *cleanup_; }
     // Error text of a failed load.
     QString errors() const { return errors_; }
 
@@ -61,6 +64,7 @@ public:
 private:
     std::unique_ptr<QQmlPropertyMap> metrics_;
     std::unique_ptr<PopoverContext> context_;
+    std::unique_ptr<CleanupFeed> cleanup_;
     std::unique_ptr<QQuickView> window_;
     QString errors_;
 };

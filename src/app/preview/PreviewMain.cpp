@@ -1,8 +1,10 @@
+#include "app/popover/PopoverContext.h"
 #include "app/preview/PopoverPreview.h"
 
 #include <QFile>
 #include <QGuiApplication>
 #include <QJsonDocument>
+#include <QQuickView>
 #include <QQuickWindow>
 #include <QSettings>
 #include <QTemporaryDir>
@@ -11,6 +13,10 @@
 // Draws the popover from a state file into a PNG, without a tray or the machine's readings:
 //
 //     quelmo-preview STATE.json OUT.png [SCALE]
+//     quelmo-preview STATE.json --show
+//
+// With --show the popover is put on the screen instead, animating, until the program is ended
+// (for measuring its cost in a real window).
 //
 // STATE.json holds readings, top lists, language, cat style and expanded sections (see
 // PreviewState); SCALE (default 2) is the pixel ratio of the picture.
@@ -19,9 +25,11 @@ int main(int argc, char* argv[]) {
         std::fprintf(stderr, "usage: quelmo-preview STATE.json OUT.png [SCALE]\n");
         return 2;
     }
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+    const bool show = QByteArray(argv[2]) == "--show";
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && !show)
         qputenv("QT_QPA_PLATFORM", "offscreen");
-    qputenv("QT_SCALE_FACTOR", argc > 3 ? QByteArray(argv[3]) : QByteArray("2"));
+    if (!show)
+        qputenv("QT_SCALE_FACTOR", argc > 3 ? QByteArray(argv[3]) : QByteArray("2"));
     QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
     QGuiApplication app(argc, argv);
     QGuiApplication::setOrganizationName(QStringLiteral("quelmo"));
@@ -48,6 +56,11 @@ int main(int argc, char* argv[]) {
     if (!preview.root()) {
         std::fprintf(stderr, "quelmo-preview: %s\n", qPrintable(preview.errors()));
         return 1;
+    }
+    if (show) {
+        preview.context().setShown(true);
+        preview.window().show();
+        return QGuiApplication::exec();
     }
     const QImage image = preview.render();
     if (image.isNull() || !image.save(QString::fromLocal8Bit(argv[2]))) {

@@ -8,6 +8,8 @@ Item {
     id: view
 
     required property PopoverContext context
+    // What the cleanup card shows and cuts with; no card without it.
+    property CleanupFeed cleanup: null
     readonly property QtObject metrics: context.metrics
     readonly property string lang: context.lang
 
@@ -81,6 +83,14 @@ Item {
                 objectName: "cleanupCardSlot"
                 width: parent.width
                 visible: item !== null
+                sourceComponent: view.cleanup ? cleanupCard : null
+            }
+            Component {
+                id: cleanupCard
+                CleanupCard {
+                    popover: view
+                    feed: view.cleanup
+                }
             }
 
             MetricsSection {

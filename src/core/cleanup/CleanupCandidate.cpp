@@ -27,7 +27,10 @@ std::optional<CleanupReason> cleanupReasonFromRaw(const QString& raw) {
 }
 
 QString label(CleanupReason reason) {
-    const bool korean = AppLang::effective() == QLatin1String("ko");
+    return label(reason, AppLang::effective() == QLatin1String("ko"));
+}
+
+QString label(CleanupReason reason, bool korean) {
     switch (reason) {
     case CleanupReason::spike:
         return korean ? QStringLiteral("비정상 급등") : QStringLiteral("Unusual spike");

@@ -12,6 +12,7 @@ enum class CleanupReason { spike, sustained, ramHog, idleApp };
 QString rawValue(CleanupReason reason);
 std::optional<CleanupReason> cleanupReasonFromRaw(const QString& raw);
 QString label(CleanupReason reason); // in the effective interface language
+QString label(CleanupReason reason, bool korean);
 
 struct CleanupCandidate {
     ProcInfo proc;

@@ -1,0 +1,98 @@
+#include "app/popover/CleanupFeed.h"
+
+#include "core/metrics/SystemMetrics.h"
+#include "core/settings/AppLang.h"
+
+namespace quelmo {
+
+namespace {
+
+bool effectiveIsKorean() {
+    return AppLang::effective() == QLatin1String("ko");
+}
+
+} // namespace
+
+CleanupFeed::CleanupFeed(CutSequence::Terminate terminate, QObject* parent)
+    : QObject(parent), candidates_(this), cut_(std::move(terminate), {}, this),
+      korean_(effectiveIsKorean()) {}
+
+CleanupFeed::CleanupFeed(SystemMetrics& hub, QObject* parent)
+    : QObject(parent), hub_(&hub), candidates_(this),
+      cut_([hub = QPointer<SystemMetrics>(&hub)](
+               const QList<qint64>& pids) { hub ? void(hub->terminate(pids)) : void(); },
+           {}, this),
+      captured_(hub.aiStatus()), sensitivity_(hub.sensitivity()), korean_(effectiveIsKorean()) {
+    connect(&hub, &SystemMetrics::cleanupCandidatesChanged, this, &CleanupFeed::pullFromHub);
+    connect(&hub, &SystemMetrics::aiVerdictsChanged, this, &CleanupFeed::pullFromHub);
+    connect(&hub, &SystemMetrics::sensitivityChanged, this, [this] {
+        if (hub_ && hub_->sensitivity() != sensitivity_) {
+            sensitivity_ = hub_->sensitivity();
+            emit sensitivityChanged();
+        }
+    });
+    if (const AIAdvisor* advisor = hub.advisor())
+        connect(advisor, &AIAdvisor::statusRefreshed, this, &CleanupFeed::pullFromHub);
+    pullFromHub();
+}
+
+void CleanupFeed::pullFromHub() {
+    if (!hub_)
+        return;
+    // The advisor's status is asked afresh whenever the card changes.
+    if (const AIAdvisor* advisor = hub_->advisor())
+        setAdvisorStatus(advisor->status(), hub_->aiStatus());
+    setCandidates(hub_->cleanupCandidates(), hub_->aiVerdicts());
+}
+
+QString CleanupFeed::footerText() const {
+    return cleanup_rules::footerText(live_, captured_, korean_);
+}
+
+void CleanupFeed::setSensitivity(double value) {
+    if (value == sensitivity_)
+        return;
+    sensitivity_ = value;
+    if (hub_)
+        hub_->setSensitivity(value);
+    emit sensitivityChanged();
+}
+
+QVariantMap CleanupFeed::texts() const {
+    return cleanup_rules::texts(korean_);
+}
+
+QVariantList CleanupFeed::criteriaItems() const {
+    return cleanup_rules::criteriaItems(korean_);
+}
+
+void CleanupFeed::setCandidates(const QList<CleanupCandidate>& candidates,
+                                const cleanup_rules::Verdicts& verdicts) {
+    lastCandidates_ = candidates;
+    lastVerdicts_ = verdicts;
+    const bool korean = effectiveIsKorean();
+    if (korean != korean_) {
+        korean_ = korean;
+        emit languageChanged();
+        emit advisorChanged();
+    }
+    candidates_.update(candidates, verdicts, korean_);
+}
+
+void CleanupFeed::setAdvisorStatus(const AIAdvisor::Status& live,
+                                   const AIAdvisor::Status& captured) {
+    if (live == live_ && captured == captured_)
+        return;
+    live_ = live;
+    captured_ = captured;
+    emit advisorChanged();
+}
+
+void CleanupFeed::refreshLanguage() {
+    if (hub_)
+        pullFromHub();
+    else
+        setCandidates(lastCandidates_, lastVerdicts_);
+}
+
+} // namespace quelmo

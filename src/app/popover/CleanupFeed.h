@@ -1,0 +1,73 @@
+#pragma once
+
+#include "app/popover/CandidateListModel.h"
+#include "app/popover/CutSequence.h"
+#include "core/advisor/AIAdvisor.h"
+
+#include <QObject>
+#include <QPointer>
+#include <QVariantMap>
+
+namespace quelmo {
+
+class SystemMetrics;
+
+// Everything the cleanup card shows, in the shape its views bind to: the candidate rows, the
+// advisor's status, the sensitivity, the card's fixed texts in the current language, and the cut
+// sequence. Fed from the hub in the program, or from a state file by the preview.
+class CleanupFeed : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(CandidateListModel* candidates READ candidates CONSTANT)
+    Q_PROPERTY(CutSequence* cut READ cut CONSTANT)
+    Q_PROPERTY(bool advisorAvailable READ advisorAvailable NOTIFY advisorChanged)
+    Q_PROPERTY(QString footerText READ footerText NOTIFY advisorChanged)
+    Q_PROPERTY(double sensitivity READ sensitivity WRITE setSensitivity NOTIFY sensitivityChanged)
+    Q_PROPERTY(QVariantMap texts READ texts NOTIFY languageChanged)
+    Q_PROPERTY(QVariantList criteriaItems READ criteriaItems NOTIFY languageChanged)
+    Q_PROPERTY(bool korean READ korean NOTIFY languageChanged)
+
+public:
+    // Without a hub: the preview sets everything itself; cuts go to `terminate`.
+    explicit CleanupFeed(CutSequence::Terminate terminate, QObject* parent = nullptr);
+    // Follows the hub: its candidates and verdicts, its advisor, its sensitivity; cuts call the
+    // hub's terminate.
+    explicit CleanupFeed(SystemMetrics& hub, QObject* parent = nullptr);
+
+    CandidateListModel* candidates() { return &candidates_; }
+    CutSequence* cut() { return &cut_; }
+    bool advisorAvailable() const { return live_.available; }
+    QString footerText() const;
+    double sensitivity() const { return sensitivity_; }
+    void setSensitivity(double value);
+    QVariantMap texts() const;
+    QVariantList criteriaItems() const;
+    bool korean() const { return korean_; }
+
+    // The preview's (and the hub connection's) inputs.
+    void setCandidates(const QList<CleanupCandidate>& candidates,
+                       const cleanup_rules::Verdicts& verdicts);
+    void setAdvisorStatus(const AIAdvisor::Status& live, const AIAdvisor::Status& captured);
+
+    // Takes the interface language afresh (it is also looked at on every candidate update).
+    Q_INVOKABLE void refreshLanguage();
+
+signals:
+    void advisorChanged();
+    void sensitivityChanged();
+    void languageChanged();
+
+private:
+    void pullFromHub();
+
+    QPointer<SystemMetrics> hub_;
+    CandidateListModel candidates_;
+    CutSequence cut_;
+    QList<CleanupCandidate> lastCandidates_;
+    cleanup_rules::Verdicts lastVerdicts_;
+    AIAdvisor::Status live_;
+    AIAdvisor::Status captured_;
+    double sensitivity_ = 0.5;
+    bool korean_ = false;
+};
+
+} // namespace quelmo

@@ -1,0 +1,89 @@
+#include "app/popover/CutSequence.h"
+
+#include "app/popover/CleanupRules.h"
+
+#include <QPointer>
+#include <QTimer>
+
+namespace quelmo {
+
+namespace rules = cleanup_rules;
+
+CutSequence::CutSequence(Terminate terminate, Schedule schedule, QObject* parent)
+    : QObject(parent), terminate_(std::move(terminate)), schedule_(std::move(schedule)) {
+    if (!schedule_)
+        schedule_ = [this](int delayMs, std::function<void()> step) {
+            QTimer::singleShot(delayMs, this, std::move(step));
+        };
+}
+
+void CutSequence::executeCut(const QList<qint64>& pids, std::optional<qint64> travelTo,
+                             const QHash<qint64, double>& rowYs) {
+    if (pids.isEmpty())
+        return;
+    const double distance = rules::travelDistance(rowYs, travelTo);
+    if (!rules::hasJourney(distance)) {
+        snip();
+        terminateWith(pids, 0.5, 0.85);
+        return;
+    }
+    // The later steps go ahead even when another cut starts meanwhile; only the end of this
+    // object stops them.
+    travel(distance, 0.3, 0.72);
+    const QPointer<CutSequence> self(this);
+    schedule_(snipAtMs, [self] {
+        if (self)
+            self->snip();
+    });
+    schedule_(terminateAtMs, [self, pids] {
+        if (self)
+            self->terminateWith(pids, 0.45, 0.85);
+    });
+    schedule_(returnAtMs, [self] {
+        if (self)
+            self->travel(0, 0.5, 0.7);
+    });
+}
+
+void CutSequence::cut(const QVariantList& pids, const QVariant& travelTo,
+                      const QVariantMap& rowYs) {
+    QList<qint64> list;
+    for (const QVariant& pid : pids)
+        list.append(pid.toLongLong());
+    std::optional<qint64> target;
+    if (travelTo.isValid() && !travelTo.isNull())
+        target = travelTo.toLongLong();
+    QHash<qint64, double> ys;
+    for (auto it = rowYs.constBegin(); it != rowYs.constEnd(); ++it) {
+        bool isNumber = false;
+        const qint64 key = it.key().toLongLong(&isNumber);
+        if (isNumber)
+            ys.insert(key, it.value().toDouble());
+    }
+    executeCut(list, target, ys);
+}
+
+void CutSequence::snip() {
+    ++cutTrigger_;
+    emit cutTriggerChanged();
+}
+
+void CutSequence::travel(double y, double response, double dampingFraction) {
+    const rules::SpringParameters spring = rules::springFor(response, dampingFraction);
+    travelSpring_ = spring.spring;
+    travelDamping_ = spring.damping;
+    catTravelY_ = y;
+    emit catTravelYChanged();
+}
+
+void CutSequence::terminateWith(const QList<qint64>& pids, double response,
+                                double dampingFraction) {
+    const rules::SpringParameters spring = rules::springFor(response, dampingFraction);
+    listSpring_ = spring.spring;
+    listDamping_ = spring.damping;
+    emit listSpringChanged();
+    if (terminate_)
+        terminate_(pids);
+}
+
+} // namespace quelmo

@@ -1,0 +1,89 @@
+import Quelmo 1.0
+import QtQuick
+import QtQuick.Controls.Basic
+
+// The advisor's banner: who judges the rows (or that the notes are off), with a chevron that
+// opens the panel explaining how candidates are picked.
+AbstractButton {
+    id: banner
+
+    required property QtObject feed
+    property bool showCriteria: false
+
+    objectName: "aiBanner"
+    width: parent ? parent.width : 0
+    leftPadding: 9
+    rightPadding: 9
+    topPadding: 5
+    bottomPadding: 5
+    hoverEnabled: true
+    focusPolicy: Qt.StrongFocus
+    text: feed.advisorAvailable ? feed.texts.judgedByAI : feed.texts.aiNotesOff
+    ToolTip.visible: hovered || visualFocus
+    ToolTip.delay: 500
+    ToolTip.text: feed.texts.seeHowItDecides
+    Accessible.role: Accessible.Button
+    Accessible.name: text
+    Accessible.description: feed.texts.seeHowItDecides
+    Accessible.checkable: true
+    Accessible.checked: showCriteria
+    Keys.onReturnPressed: clicked()
+    Keys.onEnterPressed: clicked()
+
+    contentItem: Item {
+        implicitHeight: Math.max(title.implicitHeight, 12)
+        Row {
+            anchors.verticalCenter: parent.verticalCenter
+            spacing: 6
+            AISparkle {
+                size: 11
+                anchors.verticalCenter: parent.verticalCenter
+            }
+            Text {
+                id: title
+                text: banner.text
+                font.pixelSize: 10
+                font.weight: Font.DemiBold
+                color: Palette.ink
+                anchors.verticalCenter: parent.verticalCenter
+                Accessible.ignored: true
+            }
+            Symbol {
+                name: "chevron.down"
+                size: 8
+                color: Palette.secondary
+                rotation: banner.showCriteria ? 180 : 0
+                anchors.verticalCenter: parent.verticalCenter
+                Behavior on rotation { NumberAnimation { duration: 200; easing.type: Easing.InOutQuad } }
+            }
+        }
+        Row {
+            anchors.right: parent.right
+            anchors.verticalCenter: parent.verticalCenter
+            spacing: 3
+            Symbol {
+                name: "lock.fill"
+                size: 8
+                color: Palette.secondary
+                anchors.verticalCenter: parent.verticalCenter
+            }
+            UiText {
+                text: banner.feed.texts.onDevice
+                secondary: true
+                font.pixelSize: 8
+                font.weight: Font.Medium
+                anchors.verticalCenter: parent.verticalCenter
+            }
+        }
+    }
+    background: Rectangle {
+        radius: height / 2
+        gradient: Gradient {
+            orientation: Gradient.Horizontal
+            GradientStop { position: 0; color: Palette.faded(Palette.pink, 0.28) }
+            GradientStop { position: 1; color: Palette.faded(Palette.lav, 0.28) }
+        }
+        border.width: banner.visualFocus ? 1.5 : 1
+        border.color: banner.visualFocus ? Palette.blue : Palette.faded(Palette.lav, 0.35)
+    }
+}

@@ -1,0 +1,28 @@
+import Quelmo 1.0
+import QtQuick
+
+// A small text on a filled capsule: the Keep tag and badges, the count badge.
+Rectangle {
+    id: capsule
+
+    property alias text: label.text
+    property alias font: label.font
+    property color textColor: Palette.ink
+    property real hPadding: 5
+    property real vPadding: 1
+
+    implicitWidth: label.implicitWidth + 2 * hPadding
+    implicitHeight: label.implicitHeight + 2 * vPadding
+    radius: height / 2
+    Accessible.role: Accessible.StaticText
+    Accessible.name: label.text
+
+    Text {
+        id: label
+        anchors.centerIn: parent
+        color: capsule.textColor
+        font.pixelSize: 8
+        font.bold: true
+        Accessible.ignored: true
+    }
+}

@@ -1,0 +1,278 @@
+import Quelmo 1.0
+import QtQuick
+import QtQuick.Controls.Basic
+
+// The cleanup card: the header with the count and "Cut all", the advisor's banner and criteria,
+// the mascot above the cut line, one row per candidate, the sensitivity slider and the advisor's
+// status. Its state (open or not, criteria shown, the row under the pointer) lives in the
+// popover's view; the cut itself in `feed.cut`.
+LiquidCard {
+    id: card
+
+    // The popover view whose state the card shows and changes.
+    required property Item popover
+    required property QtObject feed
+
+    readonly property var candidates: feed.candidates
+    readonly property bool expanded: popover.expanded.indexOf("cleanup") >= 0
+    readonly property var texts: feed.texts
+    // The mascot's distance below its lane, following the cut sequence on its springs.
+    property real catTravelY: 0
+
+    // Where each row's middle is, and the mascot's (key -1), in the card's coordinates.
+    function rowYs() {
+        const ys = {}
+        ys["-1"] = mascot.mapToItem(card, 0, mascot.height / 2).y
+        for (let i = 0; i < rows.count; ++i) {
+            const item = rows.itemAtIndex(i)
+            if (item)
+                ys[String(item.pid)] = item.mapToItem(card, 0, item.height / 2).y
+        }
+        return ys
+    }
+    function cutRow(pid) {
+        const ys = rowYs()
+        popover.rowYs = ys
+        feed.cut.cut([pid], pid, ys)
+    }
+    function cutAll() {
+        feed.cut.cut(candidates.cutTargetPids(), undefined, {})
+    }
+
+    objectName: "cleanupCard"
+    tint: candidates.count > 0 ? Palette.pink : "transparent"
+    spacing: 8
+    Accessible.role: Accessible.Grouping
+    Accessible.name: texts.cutPick
+
+    Connections {
+        target: card.popover
+        function onLangChanged() { card.feed.refreshLanguage() }
+    }
+    Connections {
+        target: card.feed.cut
+        function onCatTravelYChanged() {
+            travel.stop()
+            travel.spring = card.feed.cut.travelSpring
+            travel.damping = card.feed.cut.travelDamping
+            travel.to = card.feed.cut.catTravelY
+            travel.start()
+        }
+    }
+    SpringAnimation {
+        id: travel
+        target: card
+        property: "catTravelY"
+        mass: 1
+        epsilon: 0.25
+    }
+
+    // The header: the whole row opens and closes the card.
+    AbstractButton {
+        id: header
+
+        objectName: "cleanupHeader"
+        width: parent.width
+        height: 24
+        focusPolicy: Qt.StrongFocus
+        text: card.texts.cutPick
+        Accessible.role: Accessible.Button
+        Accessible.name: text + (card.candidates.count > 0 ? " " + card.candidates.count : "")
+        Accessible.checkable: true
+        Accessible.checked: card.expanded
+        Keys.onReturnPressed: clicked()
+        Keys.onEnterPressed: clicked()
+        onClicked: card.popover.toggle("cleanup")
+
+        background: Rectangle {
+            color: "transparent"
+            radius: 6
+            border.width: header.visualFocus ? 1.5 : 0
+            border.color: Palette.blue
+        }
+        contentItem: Item {
+            Row {
+                spacing: 6
+                anchors.verticalCenter: parent.verticalCenter
+                AISparkle {
+                    size: 11
+                    anchors.verticalCenter: parent.verticalCenter
+                }
+                UiText {
+                    text: card.texts.cutPick
+                    font.pixelSize: 12
+                    font.weight: Font.DemiBold
+                    anchors.verticalCenter: parent.verticalCenter
+                }
+                Capsule {
+                    objectName: "countBadge"
+                    visible: card.candidates.count > 0
+                    text: String(card.candidates.count)
+                    font.pixelSize: 10
+                    hPadding: 6
+                    color: Palette.faded(Palette.pink, 0.3)
+                    anchors.verticalCenter: parent.verticalCenter
+                }
+            }
+            Row {
+                anchors.right: parent.right
+                anchors.verticalCenter: parent.verticalCenter
+                spacing: 6
+                AbstractButton {
+                    id: cutAllButton
+
+                    objectName: "cutAllButton"
+                    visible: card.candidates.cutTargetCount >= 2
+                    text: card.texts.cutAll
+                    leftPadding: 10
+                    rightPadding: 10
+                    topPadding: 4
+                    bottomPadding: 4
+                    focusPolicy: Qt.StrongFocus
+                    anchors.verticalCenter: parent.verticalCenter
+                    Accessible.role: Accessible.Button
+                    Accessible.name: text
+                    Keys.onReturnPressed: clicked()
+                    Keys.onEnterPressed: clicked()
+                    onClicked: card.cutAll()
+
+                    contentItem: Row {
+                        spacing: 4
+                        Symbol {
+                            name: "scissors"
+                            size: 10
+                            color: Palette.ink
+                            anchors.verticalCenter: parent.verticalCenter
+                        }
+                        Text {
+                            text: cutAllButton.text
+                            color: Palette.ink
+                            font.pixelSize: 11
+                            font.weight: Font.DemiBold
+                            anchors.verticalCenter: parent.verticalCenter
+                            Accessible.ignored: true
+                        }
+                    }
+                    background: Rectangle {
+                        radius: height / 2
+                        color: Palette.faded(Palette.pink, cutAllButton.down ? 0.75 : 0.55)
+                        border.width: cutAllButton.visualFocus ? 1.5 : 1
+                        border.color: cutAllButton.visualFocus ? Palette.blue
+                                                               : Qt.rgba(1, 1, 1, 0.6)
+                    }
+                }
+                Symbol {
+                    name: "chevron.right"
+                    size: 10
+                    color: Palette.secondary
+                    rotation: card.expanded ? 90 : 0
+                    anchors.verticalCenter: parent.verticalCenter
+                    Behavior on rotation { NumberAnimation { duration: 180; easing.type: Easing.InOutQuad } }
+                }
+            }
+        }
+    }
+
+    AIBanner {
+        visible: card.expanded
+        feed: card.feed
+        showCriteria: card.popover.showCriteria
+        onClicked: card.popover.showCriteria = !card.popover.showCriteria
+    }
+    CriteriaPanel {
+        visible: card.expanded && card.popover.showCriteria
+        feed: card.feed
+    }
+
+    // The mascot's lane and the dashed cut line; drawn above the rows it walks down to.
+    Item {
+        id: lane
+        width: parent.width
+        height: mascot.height + 6
+        z: 2
+
+        CatMascot {
+            id: mascot
+            width: parent.width
+            trigger: card.feed.cut.cutTrigger
+            hasTargets: card.candidates.cutTargetCount > 0
+            travelY: card.catTravelY
+            styleRaw: card.popover.context.catStyleRaw
+        }
+        DashLine {
+            x: 2
+            y: mascot.height + 2
+            width: parent.width - 4
+            height: 2
+            color: Palette.faded(Palette.ink, 0.16)
+            lineWidth: 2
+            // In units of the line width; the square caps add one on each side of a dash.
+            dashPattern: [2, 3.5]
+        }
+    }
+
+    UiText {
+        objectName: "nothingToClean"
+        visible: card.expanded && card.candidates.count === 0
+        width: parent.width
+        text: card.texts.nothingToClean
+        secondary: true
+        font.pixelSize: 10
+        wrapMode: Text.Wrap
+    }
+
+    ListView {
+        id: rows
+
+        objectName: "candidateRows"
+        visible: card.expanded && count > 0
+        width: parent.width
+        height: visible ? contentHeight : 0
+        interactive: false
+        model: card.candidates
+        Accessible.role: Accessible.List
+        Accessible.name: card.texts.cutPick
+
+        delegate: CandidateRow {
+            hovered: card.popover.hoveredID === pid
+            advisorAvailable: card.feed.advisorAvailable
+            texts: card.texts
+            onHoverChanged: inside => {
+                if (inside)
+                    card.popover.hoveredID = pid
+                else if (card.popover.hoveredID === pid)
+                    card.popover.hoveredID = -1
+            }
+            onCutPressed: card.cutRow(pid)
+        }
+        add: Transition {
+            NumberAnimation { property: "opacity"; from: 0; to: 1; duration: 250; easing.type: Easing.InOutQuad }
+        }
+        remove: Transition {
+            SpringAnimation {
+                property: "leaving"
+                to: 1
+                spring: card.feed.cut.listSpring || 2.5
+                damping: card.feed.cut.listDamping || 0.34
+                epsilon: 0.02
+            }
+        }
+        displaced: Transition {
+            SpringAnimation {
+                property: "y"
+                spring: card.feed.cut.listSpring || 2.5
+                damping: card.feed.cut.listDamping || 0.34
+                epsilon: 0.5
+            }
+        }
+    }
+
+    SensitivityRow {
+        feed: card.feed
+        topPadding: 4
+    }
+    AIFooter {
+        feed: card.feed
+        topPadding: 2
+    }
+}

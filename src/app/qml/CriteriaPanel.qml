@@ -1,0 +1,51 @@
+import Quelmo 1.0
+import QtQuick
+
+// How candidates are picked: nine fixed items in three groups.
+Rectangle {
+    id: panel
+
+    required property QtObject feed
+
+    objectName: "criteriaPanel"
+    width: parent ? parent.width : 0
+    implicitHeight: body.implicitHeight + 20
+    radius: 12
+    color: Qt.rgba(1, 1, 1, 0.55)
+    border.width: 1
+    border.color: Palette.faded(Palette.lav, 0.25)
+
+    Column {
+        id: body
+        x: 10
+        y: 10
+        width: parent.width - 20
+        spacing: 6
+
+        UiText {
+            text: panel.feed.texts.criteriaTitle
+            font.pixelSize: 10
+            font.bold: true
+        }
+        Repeater {
+            model: panel.feed.criteriaItems
+            Column {
+                required property var modelData
+                width: body.width
+                spacing: 6
+                CriteriaItem {
+                    symbol: modelData.symbol
+                    tint: Palette[modelData.color]
+                    title: modelData.title
+                    detail: modelData.detail
+                }
+                Rectangle {
+                    visible: modelData.groupEnd
+                    width: parent.width
+                    height: 1
+                    color: Palette.faded(Palette.ink, 0.12)
+                }
+            }
+        }
+    }
+}

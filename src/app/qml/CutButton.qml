@@ -1,0 +1,56 @@
+import Quelmo 1.0
+import QtQuick
+import QtQuick.Controls.Basic
+
+// A row's Cut: white scissors and "Cut" on a rose capsule, grey when the advisor would keep the
+// process (it still cuts; only the colour and the tooltip warn).
+AbstractButton {
+    id: button
+
+    property bool keep: false
+    property string tip
+    // The row's name, told to assistive technologies with the tooltip.
+    property string rowName
+
+    objectName: "cutButton"
+    text: "Cut"
+    leftPadding: 9
+    rightPadding: 9
+    topPadding: 3
+    bottomPadding: 3
+    hoverEnabled: true
+    focusPolicy: Qt.StrongFocus
+    ToolTip.visible: hovered || visualFocus
+    ToolTip.delay: 500
+    ToolTip.text: tip
+    Accessible.role: Accessible.Button
+    Accessible.name: text
+    Accessible.description: rowName + " — " + tip
+    Keys.onReturnPressed: clicked()
+    Keys.onEnterPressed: clicked()
+
+    contentItem: Row {
+        spacing: 3
+        Symbol {
+            name: "scissors"
+            size: 9
+            color: "white"
+            anchors.verticalCenter: parent.verticalCenter
+        }
+        Text {
+            text: button.text
+            color: "white"
+            font.pixelSize: 10
+            font.weight: Font.DemiBold
+            anchors.verticalCenter: parent.verticalCenter
+            Accessible.ignored: true
+        }
+    }
+    background: Rectangle {
+        radius: height / 2
+        color: button.keep ? Palette.gray : Palette.rose
+        opacity: button.down ? 0.8 : 1
+        border.width: button.visualFocus ? 1.5 : 0
+        border.color: Palette.blue
+    }
+}

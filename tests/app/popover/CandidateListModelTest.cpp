@@ -1,0 +1,103 @@
+#include "app/popover/CandidateListModel.h"
+
+#include <QAbstractItemModelTester>
+#include <QSignalSpy>
+#include <gtest/gtest.h>
+
+using namespace quelmo;
+
+namespace {
+
+CleanupCandidate candidate(qint64 pid, const QString& name, double rss = 100e6) {
+    CleanupCandidate c;
+    c.proc.id = pid;
+    c.proc.name = name;
+    c.proc.rss = rss;
+    c.reason = CleanupReason::sustained;
+    return c;
+}
+
+QList<qint64> pids(const CandidateListModel& model) {
+    QList<qint64> found;
+    for (int row = 0; row < model.rowCount(); ++row)
+        found.append(model.data(model.index(row), CandidateListModel::PidRole).toLongLong());
+    return found;
+}
+
+class CandidateListModelTest : public ::testing::Test {
+protected:
+    CandidateListModel model;
+    QAbstractItemModelTester tester{&model,
+                                    QAbstractItemModelTester::FailureReportingMode::Warning};
+    QSignalSpy inserted{&model, &QAbstractItemModel::rowsInserted};
+    QSignalSpy removed{&model, &QAbstractItemModel::rowsRemoved};
+    QSignalSpy moved{&model, &QAbstractItemModel::rowsMoved};
+    QSignalSpy changed{&model, &QAbstractItemModel::dataChanged};
+    QSignalSpy reset{&model, &QAbstractItemModel::modelReset};
+
+    void clearSpies() {
+        for (QSignalSpy* spy : {&inserted, &removed, &moved, &changed, &reset})
+            spy->clear();
+    }
+};
+
+} // namespace
+
+// Rows are kept by pid: only what came or went is inserted or removed, what stayed is changed in
+// place or moved, so the views animate exactly those rows.
+TEST_F(CandidateListModelTest, RowsKeepTheirIdentityAcrossUpdates) {
+    model.update({candidate(10, "a"), candidate(20, "b"), candidate(30, "c")}, {}, false);
+    EXPECT_EQ(pids(model), (QList<qint64>{10, 20, 30}));
+    EXPECT_EQ(inserted.size(), 3);
+    clearSpies();
+
+    // The same list again: nothing at all.
+    model.update({candidate(10, "a"), candidate(20, "b"), candidate(30, "c")}, {}, false);
+    EXPECT_EQ(inserted.size() + removed.size() + moved.size() + changed.size(), 0);
+
+    // The middle one goes, the last one grows.
+    model.update({candidate(10, "a"), candidate(30, "c", 200e6)}, {}, false);
+    EXPECT_EQ(pids(model), (QList<qint64>{10, 30}));
+    ASSERT_EQ(removed.size(), 1);
+    EXPECT_EQ(removed[0][1].toInt(), 1);
+    ASSERT_EQ(changed.size(), 1);
+    EXPECT_EQ(changed[0][0].toModelIndex().row(), 1);
+    EXPECT_EQ(model.data(model.index(1), CandidateListModel::RssRole).toDouble(), 200e6);
+    clearSpies();
+
+    // A newcomer in front and the order turned round.
+    model.update({candidate(40, "d"), candidate(30, "c", 200e6), candidate(10, "a")}, {}, false);
+    EXPECT_EQ(pids(model), (QList<qint64>{40, 30, 10}));
+    EXPECT_EQ(inserted.size(), 1);
+    EXPECT_EQ(removed.size(), 0);
+    EXPECT_EQ(moved.size(), 1);
+    EXPECT_EQ(reset.size(), 0);
+}
+
+TEST_F(CandidateListModelTest, CountsAndRowsFollowTheVerdicts) {
+    QList<CleanupCandidate> two{candidate(1, "a"), candidate(2, "b")};
+    const auto verdict = [](const char* recommendation, const char* risk) {
+        return AIVerdict{QStringLiteral("A helper"), true, QString::fromUtf8(risk),
+                         QString::fromLatin1(recommendation)};
+    };
+    QSignalSpy targetsChanged(&model, &CandidateListModel::cutTargetCountChanged);
+    model.update(two, {{"a", verdict("cut", "주의")}, {"b", verdict("cut", "안전")}}, false);
+    EXPECT_EQ(model.count(), 2);
+    EXPECT_EQ(model.cutTargetCount(), 2);
+
+    model.update(two, {{"a", verdict("cut", "주의")}, {"b", verdict("keep", "안전")}}, true);
+    EXPECT_EQ(model.count(), 2);
+    EXPECT_EQ(model.cutTargetCount(), 1);
+    EXPECT_EQ(model.cutTargetPids(), QVariantList{1});
+    EXPECT_EQ(targetsChanged.size(), 2);
+
+    const QModelIndex a = model.index(0);
+    EXPECT_EQ(model.data(a, CandidateListModel::StatusColorRole), "peach");
+    EXPECT_EQ(model.data(a, CandidateListModel::RiskLabelRole), "주의");
+    EXPECT_EQ(model.data(a, CandidateListModel::RiskColorRole), "peach");
+    EXPECT_EQ(model.data(a, CandidateListModel::ReasonLabelRole), "장시간 과점유");
+    EXPECT_FALSE(model.data(a, CandidateListModel::IsKeepRole).toBool());
+    EXPECT_TRUE(model.data(model.index(1), CandidateListModel::IsKeepRole).toBool());
+    EXPECT_EQ(model.procOf(2)->name, "b");
+    EXPECT_FALSE(model.procOf(3));
+}

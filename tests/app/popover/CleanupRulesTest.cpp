@@ -1,0 +1,164 @@
+#include "app/popover/CleanupRules.h"
+
+#include <gtest/gtest.h>
+
+using namespace quelmo;
+namespace rules = quelmo::cleanup_rules;
+
+namespace {
+
+CleanupCandidate candidate(qint64 pid, const QString& name) {
+    CleanupCandidate c;
+    c.proc.id = pid;
+    c.proc.name = name;
+    return c;
+}
+
+AIVerdict verdict(const QString& recommendation, const QString& risk = QStringLiteral("안전")) {
+    return AIVerdict{QStringLiteral("note"), recommendation == QLatin1String("cut"), risk,
+                     recommendation};
+}
+
+} // namespace
+
+// A bulk cut takes every candidate the advisor did not ask to keep, and is offered from two on.
+TEST(CleanupRulesTest, BulkCutLeavesKeptCandidatesOut) {
+    QList<CleanupCandidate> two{candidate(1, "a"), candidate(2, "b")};
+    two[1].displayName = QStringLiteral("Bee"); // verdicts go by display name when there is one
+    rules::Verdicts verdicts{{"a", verdict("cut")}, {"Bee", verdict("cut")}};
+    EXPECT_EQ(rules::cutTargets(two, verdicts).size(), 2);
+
+    verdicts["Bee"] = verdict("keep");
+    const auto targets = rules::cutTargets(two, verdicts);
+    ASSERT_EQ(targets.size(), 1);
+    EXPECT_EQ(targets[0].id(), 1);
+    EXPECT_LT(targets.size(), rules::cutAllMinimum);
+    EXPECT_TRUE(rules::isKeep(two[1], verdicts));
+    EXPECT_FALSE(rules::isKeep(two[1], {{"b", verdict("keep")}}));
+
+    const QList<CleanupCandidate> unjudged{candidate(1, "a"), candidate(2, "b"), candidate(3, "c")};
+    EXPECT_EQ(rules::cutTargets(unjudged, {}).size(), 3);
+}
+
+// The status dot: no verdict, then keep, then the risk; the badge colour and word by risk alone.
+TEST(CleanupRulesTest, StatusColourAndRiskWordsFollowTheirOrder) {
+    EXPECT_EQ(rules::statusColor(std::nullopt), "gray");
+    EXPECT_EQ(rules::statusColor(verdict("keep", "위험")), "sage");
+    EXPECT_EQ(rules::statusColor(verdict("cut", "위험")), "rose");
+    EXPECT_EQ(rules::statusColor(verdict("cut", "주의")), "peach");
+    EXPECT_EQ(rules::statusColor(verdict("cut", "안전")), "sage");
+    EXPECT_EQ(rules::statusColor(verdict("cut", "???")), "sage");
+
+    const struct {
+        QString risk, ko, en, colour;
+    } rows[] = {
+        {"안전", "안전", "Safe", "sage"},
+        {"위험", "위험", "Danger", "rose"},
+        {"주의", "주의", "Caution", "peach"},
+        {"", "주의", "Caution", "peach"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.risk.toStdString());
+        EXPECT_EQ(rules::riskLabel(row.risk, true), row.ko);
+        EXPECT_EQ(rules::riskLabel(row.risk, false), row.en);
+        EXPECT_EQ(rules::riskColor(row.risk), row.colour);
+    }
+}
+
+TEST(CleanupRulesTest, IdleTextAndDetailInBothLanguages) {
+    const struct {
+        double minutes;
+        const char* en;
+        const char* ko;
+    } times[] = {
+        {0, "1m ago", "1분 전"},
+        {0.3, "1m ago", "1분 전"},
+        {59.9, "59m ago", "59분 전"},
+        {60, "1h ago", "1시간 전"},
+        {125, "2h 5m ago", "2시간 5분 전"},
+        {179.99, "2h 59m ago", "2시간 59분 전"},
+    };
+    for (const auto& t : times) {
+        SCOPED_TRACE(t.minutes);
+        EXPECT_EQ(rules::idleText(t.minutes, false), QString::fromUtf8(t.en));
+        EXPECT_EQ(rules::idleText(t.minutes, true), QString::fromUtf8(t.ko));
+    }
+
+    CleanupCandidate hidden = candidate(1, "app");
+    hidden.reason = CleanupReason::idleApp;
+    hidden.idleMinutes = 60;
+    EXPECT_EQ(rules::idleDetail(hidden, false), "Last used 1h ago · no window");
+    EXPECT_EQ(rules::idleDetail(hidden, true), "마지막 사용 1시간 전 · 창 없음");
+
+    CleanupCandidate windowed = hidden;
+    windowed.hasWindow = true;
+    windowed.idleMinutes = 5;
+    EXPECT_EQ(rules::idleDetail(windowed, false), "Last used 5m ago");
+
+    CleanupCandidate neverOpened = hidden;
+    neverOpened.idleMinutes.reset();
+    EXPECT_EQ(rules::idleDetail(neverOpened, false), "Not opened this session · no window");
+    EXPECT_EQ(rules::idleDetail(neverOpened, true), "이번 세션에 안 띄움 · 창 없음");
+
+    CleanupCandidate spike = candidate(2, "hog");
+    spike.reason = CleanupReason::spike;
+    EXPECT_EQ(rules::idleDetail(spike, false), "");
+}
+
+// The mascot travels from its lane to 22 points above the row's middle, and only for more
+// than 6 points.
+TEST(CleanupRulesTest, TravelDistanceFromRowPositions) {
+    const QHash<qint64, double> ys{{rules::laneKey, 100}, {7, 120}, {8, 129}, {9, 180}};
+    EXPECT_EQ(rules::travelDistance(ys, std::nullopt), 0);
+    EXPECT_EQ(rules::travelDistance(ys, 42), 0);
+    EXPECT_EQ(rules::travelDistance({{9, 180}}, 9), 0);
+    EXPECT_EQ(rules::travelDistance(ys, 7), 0);
+    EXPECT_FALSE(rules::hasJourney(rules::travelDistance(ys, 7)));
+    EXPECT_EQ(rules::travelDistance(ys, 8), 7);
+    EXPECT_TRUE(rules::hasJourney(rules::travelDistance(ys, 8)));
+    EXPECT_FALSE(rules::hasJourney(6.0));
+    EXPECT_EQ(rules::travelDistance(ys, 9), 58);
+}
+
+TEST(CleanupRulesTest, FooterTellsTheAdvisorsState) {
+    const AIAdvisor::Status available{true, {}};
+    const AIAdvisor::Status off{false, QStringLiteral("Model not ready")};
+    EXPECT_EQ(rules::footerText(available, off, false), "Apple Intelligence · on-device");
+    EXPECT_EQ(rules::footerText(available, off, true), "Apple Intelligence · 온디바이스 분석");
+    EXPECT_EQ(rules::footerText(off, off, false), "AI notes off — Model not ready");
+    EXPECT_EQ(rules::footerText(off, off, true), "AI 설명 꺼짐 — Model not ready");
+    EXPECT_EQ(rules::footerText(off, available, false), "");
+    EXPECT_EQ(rules::footerText(off, AIAdvisor::Status{false, {}}, false), "");
+}
+
+// Qt Quick's spring, stepped every 16 ms, settles like a spring of the asked response: a
+// damping fraction near 1 lands without overshoot in about one response, a lower one overshoots.
+TEST(CleanupRulesTest, SpringParametersGiveTheDesignedFeel) {
+    const auto simulate = [](rules::SpringParameters p, double seconds, double* peak) {
+        double x = 0, v = 0;
+        *peak = 0;
+        for (int i = 0; i < static_cast<int>(seconds / 0.016); ++i) {
+            v = v + p.spring * (1 - x) - p.damping * v;
+            x += v * 0.016;
+            *peak = std::max(*peak, x);
+        }
+        return x;
+    };
+    double peak = 0;
+    EXPECT_NEAR(simulate(rules::springFor(0.5, 0.85), 0.6, &peak), 1.0, 0.02);
+    EXPECT_LT(peak, 1.02);
+    simulate(rules::springFor(0.3, 0.72), 1.0, &peak);
+    EXPECT_GT(peak, 1.005);
+    EXPECT_LT(peak, 1.1);
+}
+
+TEST(CleanupRulesTest, CriteriaInThreeGroups) {
+    const QVariantList items = rules::criteriaItems(false);
+    ASSERT_EQ(items.size(), 9);
+    QList<int> groupEnds;
+    for (int i = 0; i < items.size(); ++i)
+        if (items[i].toMap()["groupEnd"].toBool())
+            groupEnds.append(i);
+    EXPECT_EQ(groupEnds, (QList<int>{4, 6}));
+    EXPECT_EQ(rules::criteriaItems(true)[0].toMap()["title"], "지금 쓰는 건 안 건드려요");
+}
