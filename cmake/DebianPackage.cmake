@@ -29,8 +29,9 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 # The X11 platform plugin, and Hangul in the Korean interface.
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "qt6-qpa-plugins, fonts-noto-cjk")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
-# The debugging symbols go to a quelmo-dbgsym package of their own, as Debian's archive does it.
-set(CPACK_DEBIAN_DEBUGINFO_PACKAGE ON)
+# The program is installed stripped. (CPack's separate -dbgsym package lists its files under
+# the wrong paths in md5sums and carries no copyright file, which lintian rejects.)
+set(CPACK_STRIP_FILES ON)
 
 set(QUELMO_QML_ROOT ${PROJECT_SOURCE_DIR}/src/app)
 set(QUELMO_QML_IMPORT_SCANNER ${QT6_INSTALL_PREFIX}/${QT6_INSTALL_LIBEXECS}/qmlimportscanner)
