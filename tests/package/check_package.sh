@@ -44,10 +44,16 @@ grep -q "<launchable type=\"desktop-id\">$id.desktop</launchable>" \
   "$work/root/usr/share/metainfo/$id.metainfo.xml" || fail "AppStream launchable is not $id.desktop"
 grep -qx "Icon=$id" "$work/root/usr/share/applications/$id.desktop" || fail "desktop entry icon is not $id"
 
+# Every screenshot the metadata lists can be made again: a preview state of the same name.
+for image in $(sed -n 's|.*<image[^>]*>.*/\([^/]*\)\.png</image>.*|\1|p' "$source/data/$id.metainfo.xml"); do
+  [ -f "$source/data/screenshots/$image.json" ] || fail "no preview state for the screenshot $image.png"
+done
+
 # Dependencies: the libraries, the run-time loaded pieces, nothing of the tests.
 depends=$(dpkg-deb -f "$deb" Depends)
 echo "Depends: $depends"
-for package in libqt6quick6 libqt6dbus6 libxcb1 qt6-qpa-plugins qml6-module-qtquick fonts-noto-cjk; do
+for package in libqt6quick6 libqt6dbus6 libxcb1 qt6-qpa-plugins qml6-module-qtquick \
+  qml6-module-qtquick-controls fonts-noto-cjk; do
   [[ ", $depends," == *", $package"[\ ,]* ]] || fail "Depends lacks $package"
 done
 [[ $depends == *gtest* || $depends == *benchmark* || $depends == *-dev* ]] && fail "Depends names build or test packages"
