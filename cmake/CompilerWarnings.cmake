@@ -5,3 +5,10 @@ if(QUELMO_SANITIZE)
   add_compile_options(-fsanitize=address,undefined -fno-omit-frame-pointer -fno-sanitize-recover=undefined)
   add_link_options(-fsanitize=address,undefined)
 endif()
+
+# The hardening Debian builds its packages with (dpkg-buildflags): checked libc calls where the
+# compiler optimises, and a relocation table bound at start and then made read-only.
+if(NOT QUELMO_SANITIZE)
+  add_compile_definitions($<$<NOT:$<CONFIG:Debug>>:_FORTIFY_SOURCE=2>)
+  add_link_options(LINKER:-z,relro,-z,now)
+endif()

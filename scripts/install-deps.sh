@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
-# Installs the Debian packages Quelmo needs. Usage: install-deps.sh [run|test]
-#   run  - what building and running the tray utility needs
-#   test - additionally the test, benchmark and desktop-test tools
+# Installs the Debian packages Quelmo needs. Usage: install-deps.sh [run|package|test]
+#   run     - what building and running the tray utility needs
+#   package - additionally what making its Debian package needs
+#   test    - additionally the test, benchmark, desktop-test and package-check tools
 # Only missing packages are installed; nothing is asked.
 set -euo pipefail
 
@@ -16,16 +17,21 @@ build_pkgs=(
   procps ccache
   fonts-noto-cjk
 )
+package_pkgs=(
+  dpkg-dev file
+)
 test_pkgs=(
   googletest libgtest-dev libgmock-dev libbenchmark-dev clang-format
   xvfb xauth openbox xfce4-panel dbus dbus-x11 at-spi2-core
   xdotool wmctrl x11-utils x11-apps imagemagick mousepad desktop-file-utils
   python3 python3-pyatspi gir1.2-atspi-2.0
   libglib2.0-bin
+  lintian appstream man-db
 )
 
 mode=${1:-run}
 pkgs=("${build_pkgs[@]}")
+[ "$mode" = package ] || [ "$mode" = test ] && pkgs+=("${package_pkgs[@]}")
 [ "$mode" = test ] && pkgs+=("${test_pkgs[@]}")
 
 missing=()

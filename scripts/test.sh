@@ -1,12 +1,13 @@
 #!/usr/bin/env bash
 # Builds Quelmo and runs every test: once in a normal build (unit, desktop and comparison tests
-# against the real tools), then all of them again with AddressSanitizer and UndefinedBehaviorSanitizer.
+# against the real tools, the Debian package made from that build), then all of them again with
+# AddressSanitizer and UndefinedBehaviorSanitizer.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/install-deps.sh test
 jobs=$(nproc)
 
-cmake -S . -B build/test -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+cmake -S . -B build/test -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_INSTALL_PREFIX=/usr >/dev/null
 cmake --build build/test -j "$jobs"
 (cd build/test && ctest --output-on-failure -j "$jobs")
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/shell/ApplicationId.h"
+
 #include <QDBusConnection>
 #include <QObject>
 #include <optional>
@@ -16,7 +18,7 @@ class SingleInstance : public QObject {
     Q_CLASSINFO("D-Bus Interface", "org.quelmo.Quelmo")
 
 public:
-    static constexpr const char* serviceName = "org.quelmo.Quelmo";
+    static constexpr const char* serviceName = applicationId;
     static constexpr const char* objectPath = "/org/quelmo/Quelmo";
 
     explicit SingleInstance(std::optional<QDBusConnection> bus, QObject* parent = nullptr);

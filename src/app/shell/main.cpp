@@ -1,10 +1,13 @@
 #include "app/shell/AppDelegate.h"
+#include "app/shell/ApplicationId.h"
+#include "app/shell/CommandLine.h"
 #include "app/shell/GraphicalSession.h"
 #include "app/shell/LinuxShell.h"
 #include "app/shell/SingleInstance.h"
 #include "platform/linux/LinuxPlatform.h"
 
 #include <QApplication>
+#include <QCoreApplication>
 #include <QDBusConnection>
 #include <QQuickWindow>
 #include <QTimer>
@@ -18,9 +21,29 @@ std::optional<QDBusConnection> sessionBus() {
     return bus.isConnected() ? std::optional(bus) : std::nullopt;
 }
 
+// Answers --help, --version and command lines that are not understood; these need no display.
+std::optional<int> answeredCommandLine(int argc, char* argv[]) {
+    if (argc <= 1)
+        return std::nullopt;
+    const QCoreApplication reader(argc, argv);
+    const std::optional<quelmo::CommandLineAnswer> answer =
+        quelmo::answerCommandLine(QCoreApplication::arguments());
+    if (!answer)
+        return std::nullopt;
+    std::fputs(qUtf8Printable(answer->standardOutput), stdout);
+    std::fputs(qUtf8Printable(answer->standardError), stderr);
+    return answer->exitCode;
+}
+
 } // namespace
 
 int main(int argc, char* argv[]) {
+    QCoreApplication::setOrganizationName(QStringLiteral("quelmo"));
+    QCoreApplication::setApplicationName(QStringLiteral("quelmo"));
+    QCoreApplication::setApplicationVersion(QString::fromLatin1(quelmo::applicationVersion));
+    if (const std::optional<int> status = answeredCommandLine(argc, argv))
+        return *status;
+
     // Checked before Qt starts, so that a missing display is one plain line, not Qt's abort.
     if (const std::optional<QString> problem = quelmo::graphicalSessionProblem()) {
         std::fprintf(stderr, "quelmo: %s\n", qPrintable(*problem));
@@ -28,10 +51,8 @@ int main(int argc, char* argv[]) {
     }
 
     QApplication app(argc, argv);
-    QApplication::setOrganizationName(QStringLiteral("quelmo"));
-    QApplication::setApplicationName(QStringLiteral("quelmo"));
     QApplication::setApplicationDisplayName(QStringLiteral("Quelmo"));
-    QApplication::setDesktopFileName(QStringLiteral("quelmo"));
+    QApplication::setDesktopFileName(QString::fromLatin1(quelmo::applicationId));
     // A tray utility: closing the popover never ends the program.
     QApplication::setQuitOnLastWindowClosed(false);
 

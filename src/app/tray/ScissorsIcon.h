@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/shell/ApplicationId.h"
+
 #include <QColor>
 #include <QIcon>
 #include <QImage>
@@ -7,9 +9,9 @@
 
 namespace quelmo::scissors {
 
-// The icon's name in a freedesktop icon theme. The "-symbolic" suffix asks hosts to recolour it
-// with the panel's own foreground colour.
-inline constexpr const char* iconName = "quelmo-scissors-symbolic";
+// The icon's name in a freedesktop icon theme, the one the installed symbolic icon has too. The
+// "-symbolic" suffix asks hosts to recolour it with the panel's own foreground colour.
+inline constexpr const char* iconName = QUELMO_APP_ID "-symbolic";
 // What screen readers announce for the item.
 inline constexpr const char* accessibleName = "Quelmo";
 

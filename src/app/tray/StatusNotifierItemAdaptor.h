@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/shell/ApplicationId.h"
 #include "app/tray/DBusTypes.h"
 
 #include <QDBusAbstractAdaptor>
@@ -91,7 +92,7 @@ public:
     explicit StatusNotifierItemAdaptor(StatusNotifierItem* item);
 
     QString category() const { return QStringLiteral("ApplicationStatus"); }
-    QString id() const { return QStringLiteral("quelmo"); }
+    QString id() const { return QString::fromLatin1(applicationId); }
     QString title() const { return QStringLiteral("Quelmo"); }
     QString status() const { return QStringLiteral("Active"); }
     int windowId() const { return 0; }

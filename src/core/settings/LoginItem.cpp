@@ -86,7 +86,8 @@ bool fail(const QString& reason) {
 }
 
 bool writeEntry(const QString& path) {
-    const QString program = QCoreApplication::applicationFilePath();
+    const QString program = autostartProgram(QCoreApplication::applicationFilePath(),
+                                             QStringLiteral(QUELMO_INSTALLED_PROGRAM));
     if (program.isEmpty())
         return fail(QStringLiteral("the program's own path is unknown"));
     const QString folder = QFileInfo(path).absolutePath();
@@ -109,6 +110,16 @@ bool removeEntry(const QString& path) {
 }
 
 } // namespace
+
+QString autostartProgram(const QString& running, const QString& installed) {
+    if (running.isEmpty())
+        return QFileInfo(installed).isExecutable() ? installed : QString();
+    // The same file under another name (/bin is a link to /usr/bin) is still the installed one.
+    const QString runningFile = QFileInfo(running).canonicalFilePath();
+    if (!runningFile.isEmpty() && runningFile == QFileInfo(installed).canonicalFilePath())
+        return installed;
+    return running;
+}
 
 QString entryPath() {
     return configHome() + QStringLiteral("/autostart/quelmo.desktop");

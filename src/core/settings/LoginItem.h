@@ -20,6 +20,12 @@ bool isEnabled();
 // Where the entry lives.
 QString entryPath();
 
+// The program the entry starts. The installed program (`installed`, where the package puts it)
+// when that is the one running, or when the running one's path is unknown (`running` empty: its
+// file was replaced by an upgrade while it ran); otherwise `running`, a build in a source tree.
+// Empty when neither is known.
+QString autostartProgram(const QString& running, const QString& installed);
+
 // The entry that starts `program`, with the Exec line quoted as desktop entries require.
 QByteArray entryText(const QString& program);
 
