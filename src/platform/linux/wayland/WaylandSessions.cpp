@@ -1,0 +1,41 @@
+#include "wayland/WaylandSessions.h"
+
+#include "wayland/WaylandFallbackSession.h"
+
+namespace quelmo::linux_platform {
+namespace {
+
+bool desktopNamed(const QProcessEnvironment& environment, QLatin1String name) {
+    const QStringList desktops = environment.value(QStringLiteral("XDG_CURRENT_DESKTOP"))
+                                     .split(QLatin1Char(':'), Qt::SkipEmptyParts);
+    return std::any_of(desktops.begin(), desktops.end(), [&](const QString& desktop) {
+        return desktop.compare(name, Qt::CaseInsensitive) == 0;
+    });
+}
+
+} // namespace
+
+SessionKind sessionKindOf(const QProcessEnvironment& environment) {
+    const bool wayland =
+        !environment.value(QStringLiteral("WAYLAND_DISPLAY")).isEmpty() ||
+        environment.value(QStringLiteral("XDG_SESSION_TYPE")) == QLatin1String("wayland");
+    if (!wayland)
+        return SessionKind::X11;
+    if (!environment.value(QStringLiteral("SWAYSOCK")).isEmpty())
+        return SessionKind::Sway;
+    if (!environment.value(QStringLiteral("HYPRLAND_INSTANCE_SIGNATURE")).isEmpty())
+        return SessionKind::Hyprland;
+    if (environment.value(QStringLiteral("KDE_FULL_SESSION")) == QLatin1String("true") ||
+        desktopNamed(environment, QLatin1String("KDE")))
+        return SessionKind::Plasma;
+    if (desktopNamed(environment, QLatin1String("GNOME")))
+        return SessionKind::Gnome;
+    return SessionKind::Wayland;
+}
+
+std::unique_ptr<DesktopSession> connectWaylandSession(SessionKind /*kind*/, const QString& root,
+                                                      std::unique_ptr<DesktopSession> xwayland) {
+    return std::make_unique<WaylandFallbackSession>(std::move(xwayland), root);
+}
+
+} // namespace quelmo::linux_platform
