@@ -19,6 +19,7 @@ test_pkgs=(
   googletest libgtest-dev libgmock-dev libbenchmark-dev clang-format
   xvfb xauth openbox xfce4-panel dbus dbus-x11 at-spi2-core
   xdotool wmctrl x11-utils x11-apps imagemagick mousepad desktop-file-utils
+  sway foot xwayland
   python3
   libglib2.0-bin
 )

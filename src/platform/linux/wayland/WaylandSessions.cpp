@@ -1,5 +1,7 @@
 #include "wayland/WaylandSessions.h"
 
+#include "wayland/CompositorSession.h"
+#include "wayland/I3IpcLink.h"
 #include "wayland/WaylandFallbackSession.h"
 
 namespace quelmo::linux_platform {
@@ -33,9 +35,16 @@ SessionKind sessionKindOf(const QProcessEnvironment& environment) {
     return SessionKind::Wayland;
 }
 
-std::unique_ptr<DesktopSession> connectWaylandSession(SessionKind /*kind*/, const QString& root,
+std::unique_ptr<DesktopSession> connectWaylandSession(SessionKind kind, const QString& root,
                                                       std::unique_ptr<DesktopSession> xwayland) {
-    return std::make_unique<WaylandFallbackSession>(std::move(xwayland), root);
+    std::unique_ptr<CompositorLink> link;
+    if (kind == SessionKind::Sway)
+        link = I3IpcLink::connect(qEnvironmentVariable("SWAYSOCK"));
+    if (!link)
+        return std::make_unique<WaylandFallbackSession>(std::move(xwayland), root);
+    CompositorSession::Options options;
+    options.root = root;
+    return std::make_unique<CompositorSession>(std::move(link), std::move(options));
 }
 
 } // namespace quelmo::linux_platform

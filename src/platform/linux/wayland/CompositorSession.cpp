@@ -1,0 +1,103 @@
+#include "wayland/CompositorSession.h"
+
+#include "desktop/AppIdentity.h"
+#include "desktop/CgroupAppId.h"
+#include "desktop/ProcFiles.h"
+#include "settings/AppLang.h"
+#include "wayland/CompositorRules.h"
+
+#include <unistd.h>
+
+namespace quelmo::linux_platform {
+
+CompositorSession::CompositorSession(std::unique_ptr<CompositorLink> link, Options options)
+    : link_(std::move(link)), options_(std::move(options)),
+      index_(options_.dataDirs.isEmpty() ? DesktopEntryIndex::sessionDataDirs(options_.root)
+                                         : options_.dataDirs) {
+    if (options_.ownPid == 0)
+        options_.ownPid = ::getpid();
+    if (!options_.language)
+        options_.language = [] { return AppLang::effective(); };
+    if (const CompositorWindow* front = focusedForeignWindow())
+        lastFront_ = *front;
+    link_->setFocusHandler([this](const CompositorWindow& window) { onFocus(window); });
+}
+
+DesktopSnapshot CompositorSession::snapshot() {
+    return summarizeWindows(link_->windows(), options_.ownPid,
+                            lastFront_ ? lastFront_->pid : std::nullopt);
+}
+
+std::optional<QString> CompositorSession::appIdOf(const CompositorWindow& window) {
+    // The launch unit names the application for sure; the window's own id is a claim.
+    if (window.pid) {
+        const auto cgroup = readSmallFile(procPath(options_.root, *window.pid, "cgroup"));
+        if (auto id = cgroup ? appIdFromCgroup(*cgroup) : std::nullopt)
+            return id;
+    }
+    return desktopEntryIdOf(window, index_);
+}
+
+std::optional<AppRecord> CompositorSession::application(qint64 pid) {
+    if (pid <= 0)
+        return std::nullopt;
+    for (const CompositorWindow& window : link_->windows()) {
+        if (window.pid != pid)
+            continue;
+        if (const auto id = appIdOf(window)) {
+            return AppRecord{
+                *id, displayNameOf(*id, index_, options_.language(), sessionMessageLocale())};
+        }
+    }
+    return std::nullopt;
+}
+
+const CompositorWindow* CompositorSession::focusedForeignWindow() const {
+    for (const CompositorWindow& window : link_->windows()) {
+        if (window.focused && window.pid != options_.ownPid)
+            return &window;
+    }
+    return nullptr;
+}
+
+std::optional<QString> CompositorSession::frontmostAppId() {
+    for (const CompositorWindow& window : link_->windows()) {
+        if (!window.focused)
+            continue;
+        if (window.pid == options_.ownPid)
+            return lastFront_ ? appIdOf(*lastFront_) : std::nullopt;
+        return appIdOf(window);
+    }
+    return std::nullopt;
+}
+
+void CompositorSession::setActivationHandler(std::function<void(const QString&)> handler) {
+    activationHandler_ = std::move(handler);
+}
+
+void CompositorSession::onFocus(const CompositorWindow& window) {
+    // Our own popover taking the focus is not the user turning to another application.
+    if (window.pid && *window.pid == options_.ownPid)
+        return;
+    lastFront_ = window;
+    if (!activationHandler_)
+        return;
+    if (const auto id = appIdOf(window)) {
+        const auto handler = activationHandler_; // it may replace itself while running
+        handler(*id);
+    }
+}
+
+bool CompositorSession::requestClose(qint64 pid) {
+    if (pid <= 0)
+        return false;
+    bool asked = false;
+    const std::vector<CompositorWindow> windows = link_->windows(); // closing may change them
+    for (const CompositorWindow& window : windows) {
+        if (window.pid == pid)
+            asked = link_->close(window) || asked;
+    }
+    return asked;
+}
+
+} // namespace quelmo::linux_platform
