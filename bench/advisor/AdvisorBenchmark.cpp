@@ -3,11 +3,11 @@
 // not counted as the client's). The thread-time variants count the main thread only; the
 // process-time variant counts every thread, Qt's network thread and the stand-in included.
 
-#include "FakeOllamaServer.h"
-#include "advisor/AIAdvisor.h"
-#include "advisor/AdvisorTexts.h"
-#include "advisor/GenVerdict.h"
-#include "advisor/OllamaModel.h"
+#include "core/advisor/FakeOllamaServer.h"
+#include "core/advisor/AIAdvisor.h"
+#include "core/advisor/AdvisorTexts.h"
+#include "core/advisor/GenVerdict.h"
+#include "core/advisor/OllamaModel.h"
 
 #include <QCoreApplication>
 #include <QSettings>

@@ -3,8 +3,8 @@
 // A desktop with a known number of application windows for the benchmarks, set up once on first
 // use and kept until the program ends.
 
-#include "ChildProcess.h"
-#include "XTestServer.h"
+#include "support/x11/ChildProcess.h"
+#include "support/x11/XTestServer.h"
 
 #include <QtGlobal>
 #include <memory>

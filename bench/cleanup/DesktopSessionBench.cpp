@@ -3,8 +3,8 @@
 // ordinary application.
 
 #include "DesktopBenchEnvironment.h"
-#include "desktop/DesktopEntryIndex.h"
-#include "desktop/X11DesktopSession.h"
+#include "platform/linux/apps/DesktopEntryIndex.h"
+#include "platform/linux/x11/X11DesktopSession.h"
 
 #include <QCoreApplication>
 #include <benchmark/benchmark.h>

@@ -6,12 +6,12 @@
 //
 // Run: build/<dir>/bench/bench_metrics [--benchmark_min_time=2]
 
-#include "LinuxPlatform.h"
-#include "metrics/ProcessListText.h"
-#include "metrics/ProcessMonitor.h"
-#include "metrics/ProcessToolRunner.h"
-#include "metrics/ProcfsProcessReader.h"
-#include "metrics/SystemMetrics.h"
+#include "platform/linux/LinuxPlatform.h"
+#include "core/metrics/ProcessListText.h"
+#include "core/metrics/ProcessMonitor.h"
+#include "platform/linux/metrics/ProcessToolRunner.h"
+#include "platform/linux/metrics/ProcfsProcessReader.h"
+#include "core/metrics/SystemMetrics.h"
 
 #include <QCoreApplication>
 #include <QStandardPaths>

@@ -3,10 +3,10 @@
 // Everything the hub needs from the machine, handed over at construction. The application builds
 // it from the Linux readers; tests build it from fakes. A missing source reads as neutral.
 
-#include "advisor/LanguageModel.h"
-#include "cleanup/DesktopSession.h"
-#include "metrics/PowerMonitor.h"
-#include "metrics/sources/SystemSources.h"
+#include "core/advisor/LanguageModel.h"
+#include "core/cleanup/DesktopSession.h"
+#include "core/metrics/PowerMonitor.h"
+#include "core/metrics/sources/SystemSources.h"
 
 #include <memory>
 

@@ -2,7 +2,7 @@
 
 // Scriptable stand-ins for the machine, for tests of the hub and the rules above the readers.
 
-#include "Platform.h"
+#include "core/Platform.h"
 
 #include <deque>
 #include <utility>

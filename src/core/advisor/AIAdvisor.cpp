@@ -1,9 +1,9 @@
-#include "advisor/AIAdvisor.h"
+#include "core/advisor/AIAdvisor.h"
 
-#include "advisor/AdvisorTexts.h"
-#include "advisor/GenVerdict.h"
-#include "advisor/OllamaModel.h"
-#include "settings/AppLang.h"
+#include "core/advisor/AdvisorTexts.h"
+#include "core/advisor/GenVerdict.h"
+#include "core/advisor/OllamaModel.h"
+#include "core/settings/AppLang.h"
 
 #include <QTimer>
 

@@ -3,8 +3,8 @@
 // The program's only client of the local language model: whether it can be used right now, and
 // its judgement of one cleanup candidate.
 
-#include "advisor/AIVerdict.h"
-#include "advisor/LanguageModel.h"
+#include "core/advisor/AIVerdict.h"
+#include "core/advisor/LanguageModel.h"
 
 #include <QElapsedTimer>
 #include <QList>

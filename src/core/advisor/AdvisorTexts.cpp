@@ -1,4 +1,4 @@
-#include "advisor/AdvisorTexts.h"
+#include "core/advisor/AdvisorTexts.h"
 
 #include <cmath>
 

@@ -1,7 +1,7 @@
 // The hub's model queue: one evaluation in flight for the whole program, verdicts cached by
 // candidate key until the language changes.
-#include "metrics/SystemMetrics.h"
-#include "settings/AppLang.h"
+#include "core/metrics/SystemMetrics.h"
+#include "core/settings/AppLang.h"
 
 #include <algorithm>
 

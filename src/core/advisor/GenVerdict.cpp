@@ -1,6 +1,6 @@
-#include "advisor/GenVerdict.h"
+#include "core/advisor/GenVerdict.h"
 
-#include "advisor/JsonText.h"
+#include "core/advisor/JsonText.h"
 
 #include <QJsonDocument>
 #include <QJsonValue>

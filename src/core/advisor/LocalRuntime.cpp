@@ -1,4 +1,4 @@
-#include "advisor/LocalRuntime.h"
+#include "core/advisor/LocalRuntime.h"
 
 #include <QDir>
 #include <QFileInfo>

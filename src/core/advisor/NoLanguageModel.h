@@ -1,6 +1,6 @@
 #pragma once
 
-#include "advisor/LanguageModel.h"
+#include "core/advisor/LanguageModel.h"
 
 namespace quelmo {
 

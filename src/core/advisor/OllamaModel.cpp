@@ -1,6 +1,6 @@
-#include "advisor/OllamaModel.h"
+#include "core/advisor/OllamaModel.h"
 
-#include "advisor/JsonText.h"
+#include "core/advisor/JsonText.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

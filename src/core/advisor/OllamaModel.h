@@ -3,8 +3,8 @@
 // The language model of a local runtime speaking the Ollama HTTP API on this machine's loopback
 // interface. Every request is a fresh, non-streaming chat; nothing is sent anywhere else.
 
-#include "advisor/LanguageModel.h"
-#include "advisor/LocalRuntime.h"
+#include "core/advisor/LanguageModel.h"
+#include "core/advisor/LocalRuntime.h"
 
 #include <QList>
 #include <QObject>

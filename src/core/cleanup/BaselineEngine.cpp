@@ -1,4 +1,4 @@
-#include "cleanup/BaselineEngine.h"
+#include "core/cleanup/BaselineEngine.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>

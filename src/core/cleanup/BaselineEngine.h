@@ -1,7 +1,7 @@
 #pragma once
 
-#include "cleanup/CleanupCandidate.h"
-#include "metrics/ProcInfo.h"
+#include "core/cleanup/CleanupCandidate.h"
+#include "core/metrics/ProcInfo.h"
 
 #include <QByteArray>
 #include <QHash>

@@ -1,8 +1,8 @@
 // The hub's cleanup side: which processes to offer, and terminating the ones the user cuts.
-#include "Ranking.h"
-#include "cleanup/FocusTracker.h"
-#include "cleanup/ProtectedNames.h"
-#include "metrics/SystemMetrics.h"
+#include "core/Ranking.h"
+#include "core/cleanup/FocusTracker.h"
+#include "core/cleanup/ProtectedNames.h"
+#include "core/metrics/SystemMetrics.h"
 
 #include <QTimer>
 #include <algorithm>

@@ -1,6 +1,6 @@
-#include "cleanup/CleanupCandidate.h"
+#include "core/cleanup/CleanupCandidate.h"
 
-#include "settings/AppLang.h"
+#include "core/settings/AppLang.h"
 
 namespace quelmo {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "metrics/ProcInfo.h"
+#include "core/metrics/ProcInfo.h"
 
 #include <QString>
 #include <optional>

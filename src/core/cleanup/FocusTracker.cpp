@@ -1,7 +1,7 @@
-#include "cleanup/FocusTracker.h"
+#include "core/cleanup/FocusTracker.h"
 
-#include "cleanup/DesktopSession.h"
-#include "settings/SettingsKeys.h"
+#include "core/cleanup/DesktopSession.h"
+#include "core/settings/SettingsKeys.h"
 
 #include <QSettings>
 #include <QVariantMap>

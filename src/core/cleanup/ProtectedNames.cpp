@@ -1,4 +1,4 @@
-#include "cleanup/ProtectedNames.h"
+#include "core/cleanup/ProtectedNames.h"
 
 #include <QSet>
 

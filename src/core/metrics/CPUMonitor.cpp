@@ -1,4 +1,4 @@
-#include "metrics/CPUMonitor.h"
+#include "core/metrics/CPUMonitor.h"
 
 #include <algorithm>
 #include <numeric>

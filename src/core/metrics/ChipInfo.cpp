@@ -1,4 +1,4 @@
-#include "metrics/ChipInfo.h"
+#include "core/metrics/ChipInfo.h"
 
 #include <QThread>
 

@@ -1,4 +1,4 @@
-#include "metrics/GPUMonitor.h"
+#include "core/metrics/GPUMonitor.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "metrics/MemoryMonitor.h"
+#include "core/metrics/MemoryMonitor.h"
 
 #include <algorithm>
 

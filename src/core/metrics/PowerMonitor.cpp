@@ -1,4 +1,4 @@
-#include "metrics/PowerMonitor.h"
+#include "core/metrics/PowerMonitor.h"
 
 #include <QHash>
 #include <algorithm>

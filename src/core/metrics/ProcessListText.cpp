@@ -1,4 +1,4 @@
-#include "metrics/ProcessListText.h"
+#include "core/metrics/ProcessListText.h"
 
 #include <QList>
 #include <QStringDecoder>

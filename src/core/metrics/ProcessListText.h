@@ -3,7 +3,7 @@
 // The text printed by "/bin/ps -axco pid=,%cpu=,rss=,user=,comm=": one process per line, five
 // columns separated by spaces, the last of which (the executable name) may itself hold spaces.
 
-#include "metrics/ProcInfo.h"
+#include "core/metrics/ProcInfo.h"
 
 #include <QByteArray>
 #include <QString>

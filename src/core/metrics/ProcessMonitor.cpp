@@ -1,6 +1,6 @@
-#include "metrics/ProcessMonitor.h"
+#include "core/metrics/ProcessMonitor.h"
 
-#include "metrics/ProcessListText.h"
+#include "core/metrics/ProcessListText.h"
 
 #include <cmath>
 

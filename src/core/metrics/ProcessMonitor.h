@@ -1,7 +1,7 @@
 #pragma once
 
-#include "metrics/ProcInfo.h"
-#include "metrics/sources/SystemSources.h"
+#include "core/metrics/ProcInfo.h"
+#include "core/metrics/sources/SystemSources.h"
 
 #include <QHash>
 #include <cstdint>

@@ -1,9 +1,9 @@
-#include "metrics/SystemMetrics.h"
+#include "core/metrics/SystemMetrics.h"
 
-#include "Ranking.h"
-#include "advisor/NoLanguageModel.h"
-#include "metrics/ChipInfo.h"
-#include "settings/SettingsKeys.h"
+#include "core/Ranking.h"
+#include "core/advisor/NoLanguageModel.h"
+#include "core/metrics/ChipInfo.h"
+#include "core/settings/SettingsKeys.h"
 
 #include <QPointer>
 #include <QSettings>

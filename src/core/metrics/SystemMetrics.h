@@ -1,17 +1,17 @@
 #pragma once
 
-#include "Platform.h"
-#include "advisor/AIAdvisor.h"
-#include "advisor/AIVerdict.h"
-#include "cleanup/BaselineEngine.h"
-#include "cleanup/CleanupCandidate.h"
-#include "cleanup/FocusTracker.h"
-#include "metrics/CPUMonitor.h"
-#include "metrics/GPUMonitor.h"
-#include "metrics/MemoryMonitor.h"
-#include "metrics/PowerMonitor.h"
-#include "metrics/ProcInfo.h"
-#include "metrics/ProcessMonitor.h"
+#include "core/Platform.h"
+#include "core/advisor/AIAdvisor.h"
+#include "core/advisor/AIVerdict.h"
+#include "core/cleanup/BaselineEngine.h"
+#include "core/cleanup/CleanupCandidate.h"
+#include "core/cleanup/FocusTracker.h"
+#include "core/metrics/CPUMonitor.h"
+#include "core/metrics/GPUMonitor.h"
+#include "core/metrics/MemoryMonitor.h"
+#include "core/metrics/PowerMonitor.h"
+#include "core/metrics/ProcInfo.h"
+#include "core/metrics/ProcessMonitor.h"
 
 #include <QHash>
 #include <QList>

@@ -1,6 +1,6 @@
-#include "settings/AppLang.h"
+#include "core/settings/AppLang.h"
 
-#include "settings/Preferences.h"
+#include "core/settings/Preferences.h"
 
 #include <QLocale>
 

@@ -1,4 +1,4 @@
-#include "settings/LoginItem.h"
+#include "core/settings/LoginItem.h"
 
 #include <QCoreApplication>
 #include <QDir>

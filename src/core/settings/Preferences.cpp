@@ -1,6 +1,6 @@
-#include "settings/Preferences.h"
+#include "core/settings/Preferences.h"
 
-#include "settings/SettingsKeys.h"
+#include "core/settings/SettingsKeys.h"
 
 #include <QSettings>
 

@@ -1,8 +1,8 @@
-#include "LinuxPlatform.h"
+#include "platform/linux/LinuxPlatform.h"
 
-#include "advisor/OllamaModel.h"
-#include "desktop/DesktopServices.h"
-#include "metrics/MetricsReaders.h"
+#include "core/advisor/OllamaModel.h"
+#include "platform/linux/DesktopServices.h"
+#include "platform/linux/metrics/MetricsReaders.h"
 
 namespace quelmo::linux_platform {
 

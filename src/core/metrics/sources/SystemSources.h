@@ -4,7 +4,7 @@
 // reader under platform/linux (rooted at a directory, so fixture trees can stand in for /) and can
 // be faked in a few lines in a test. Readers only read; every decision stays in the monitors.
 
-#include "metrics/ProcInfo.h"
+#include "core/metrics/ProcInfo.h"
 
 #include <QByteArray>
 #include <QString>

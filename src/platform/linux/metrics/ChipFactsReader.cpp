@@ -1,7 +1,7 @@
-#include "metrics/ChipFactsReader.h"
+#include "platform/linux/metrics/ChipFactsReader.h"
 
-#include "metrics/KernelFile.h"
-#include "metrics/KernelText.h"
+#include "platform/linux/metrics/KernelFile.h"
+#include "platform/linux/metrics/KernelText.h"
 
 #include <map>
 #include <string>

@@ -1,6 +1,6 @@
-#include "metrics/CpuTicksReader.h"
+#include "platform/linux/metrics/CpuTicksReader.h"
 
-#include "metrics/KernelText.h"
+#include "platform/linux/metrics/KernelText.h"
 
 #include <array>
 

@@ -1,6 +1,6 @@
-#include "metrics/EnergyReader.h"
+#include "platform/linux/metrics/EnergyReader.h"
 
-#include "metrics/KernelText.h"
+#include "platform/linux/metrics/KernelText.h"
 
 #include <QDir>
 #include <QRegularExpression>

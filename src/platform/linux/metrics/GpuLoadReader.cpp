@@ -1,6 +1,6 @@
-#include "metrics/GpuLoadReader.h"
+#include "platform/linux/metrics/GpuLoadReader.h"
 
-#include "metrics/KernelText.h"
+#include "platform/linux/metrics/KernelText.h"
 
 #include <QDir>
 #include <QRegularExpression>

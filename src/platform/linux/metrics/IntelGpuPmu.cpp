@@ -1,7 +1,7 @@
-#include "metrics/IntelGpuPmu.h"
+#include "platform/linux/metrics/IntelGpuPmu.h"
 
-#include "metrics/KernelFile.h"
-#include "metrics/KernelText.h"
+#include "platform/linux/metrics/KernelFile.h"
+#include "platform/linux/metrics/KernelText.h"
 
 #include <QDir>
 #include <algorithm>

@@ -1,4 +1,4 @@
-#include "metrics/KernelFile.h"
+#include "platform/linux/metrics/KernelFile.h"
 
 #include <cerrno>
 #include <fcntl.h>

@@ -1,4 +1,4 @@
-#include "metrics/KernelText.h"
+#include "platform/linux/metrics/KernelText.h"
 
 #include <charconv>
 

@@ -1,6 +1,6 @@
-#include "metrics/MemInfoReader.h"
+#include "platform/linux/metrics/MemInfoReader.h"
 
-#include "metrics/KernelText.h"
+#include "platform/linux/metrics/KernelText.h"
 
 #include <QDir>
 #include <array>

@@ -1,12 +1,12 @@
-#include "metrics/MetricsReaders.h"
+#include "platform/linux/metrics/MetricsReaders.h"
 
-#include "metrics/ChipFactsReader.h"
-#include "metrics/CpuTicksReader.h"
-#include "metrics/EnergyReader.h"
-#include "metrics/GpuLoadReader.h"
-#include "metrics/MemInfoReader.h"
-#include "metrics/NvmlLibrary.h"
-#include "metrics/ProcfsProcessReader.h"
+#include "platform/linux/metrics/ChipFactsReader.h"
+#include "platform/linux/metrics/CpuTicksReader.h"
+#include "platform/linux/metrics/EnergyReader.h"
+#include "platform/linux/metrics/GpuLoadReader.h"
+#include "platform/linux/metrics/MemInfoReader.h"
+#include "platform/linux/metrics/NvmlLibrary.h"
+#include "platform/linux/metrics/ProcfsProcessReader.h"
 
 #include <QDir>
 

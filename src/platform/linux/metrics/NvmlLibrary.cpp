@@ -1,4 +1,4 @@
-#include "metrics/NvmlLibrary.h"
+#include "platform/linux/metrics/NvmlLibrary.h"
 
 #include <dlfcn.h>
 

@@ -1,4 +1,4 @@
-#include "metrics/ProcessToolRunner.h"
+#include "platform/linux/metrics/ProcessToolRunner.h"
 
 #include <array>
 #include <cerrno>

@@ -1,7 +1,7 @@
-#include "metrics/ProcfsProcessReader.h"
+#include "platform/linux/metrics/ProcfsProcessReader.h"
 
-#include "metrics/KernelText.h"
-#include "metrics/ProcessToolRunner.h"
+#include "platform/linux/metrics/KernelText.h"
+#include "platform/linux/metrics/ProcessToolRunner.h"
 
 #include <array>
 #include <cerrno>

@@ -1,4 +1,4 @@
-#include "wayland/CompositorRules.h"
+#include "platform/linux/wayland/CompositorRules.h"
 
 namespace quelmo::linux_platform {
 

@@ -2,9 +2,9 @@
 
 // What the cleanup rules need from a compositor's window list, decided on plain window facts.
 
-#include "cleanup/DesktopSession.h"
-#include "desktop/DesktopEntryIndex.h"
-#include "wayland/CompositorLink.h"
+#include "core/cleanup/DesktopSession.h"
+#include "platform/linux/apps/DesktopEntryIndex.h"
+#include "platform/linux/wayland/CompositorLink.h"
 
 #include <optional>
 #include <vector>

@@ -1,10 +1,10 @@
-#include "wayland/CompositorSession.h"
+#include "platform/linux/wayland/CompositorSession.h"
 
-#include "desktop/AppIdentity.h"
-#include "desktop/CgroupAppId.h"
-#include "desktop/ProcFiles.h"
-#include "settings/AppLang.h"
-#include "wayland/CompositorRules.h"
+#include "core/settings/AppLang.h"
+#include "platform/linux/apps/AppIdentity.h"
+#include "platform/linux/apps/CgroupAppId.h"
+#include "platform/linux/common/ProcFiles.h"
+#include "platform/linux/wayland/CompositorRules.h"
 
 #include <unistd.h>
 

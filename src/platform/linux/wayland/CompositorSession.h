@@ -5,9 +5,9 @@
 // a polite close of a process's windows. Applications are named by the desktop entry they were
 // launched as (their launch unit), else by their windows' application ids.
 
-#include "cleanup/DesktopSession.h"
-#include "desktop/DesktopEntryIndex.h"
-#include "wayland/CompositorLink.h"
+#include "core/cleanup/DesktopSession.h"
+#include "platform/linux/apps/DesktopEntryIndex.h"
+#include "platform/linux/wayland/CompositorLink.h"
 
 #include <QStringList>
 #include <functional>

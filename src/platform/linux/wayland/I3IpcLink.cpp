@@ -1,6 +1,6 @@
-#include "wayland/I3IpcLink.h"
+#include "platform/linux/wayland/I3IpcLink.h"
 
-#include "wayland/I3IpcProtocol.h"
+#include "platform/linux/wayland/I3IpcProtocol.h"
 
 #include <QDeadlineTimer>
 
@@ -23,7 +23,8 @@ std::unique_ptr<I3IpcLink> I3IpcLink::connect(const QString& socketPath) {
 
 I3IpcLink::~I3IpcLink() {
     if (socket_)
-        QObject::disconnect(socket_.get(), nullptr, nullptr, nullptr); // no calls into a half-gone link
+        QObject::disconnect(socket_.get(), nullptr, nullptr,
+                            nullptr); // no calls into a half-gone link
 }
 
 bool I3IpcLink::start(const QString& socketPath) {

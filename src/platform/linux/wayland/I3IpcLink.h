@@ -5,7 +5,7 @@
 // events as activations, and "[con_id=N] kill" to ask a window to close. Everything runs on the
 // main thread's event loop; the only waits are bounded ones while connecting.
 
-#include "wayland/CompositorLink.h"
+#include "platform/linux/wayland/CompositorLink.h"
 
 #include <QByteArray>
 #include <QLocalSocket>

@@ -1,4 +1,4 @@
-#include "wayland/I3IpcProtocol.h"
+#include "platform/linux/wayland/I3IpcProtocol.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

@@ -4,7 +4,7 @@
 // magic "i3-ipc", the payload's length and the message type (32-bit, the machine's byte order),
 // then a JSON payload. Replies carry the request's type; events have the high bit set.
 
-#include "wayland/CompositorLink.h"
+#include "platform/linux/wayland/CompositorLink.h"
 
 #include <QByteArray>
 #include <QJsonObject>

@@ -1,7 +1,7 @@
-#include "wayland/LaunchedProcesses.h"
+#include "platform/linux/wayland/LaunchedProcesses.h"
 
-#include "desktop/CgroupAppId.h"
-#include "desktop/ProcFiles.h"
+#include "platform/linux/apps/CgroupAppId.h"
+#include "platform/linux/common/ProcFiles.h"
 
 #include <QDir>
 #include <QList>

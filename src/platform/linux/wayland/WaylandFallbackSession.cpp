@@ -1,4 +1,4 @@
-#include "wayland/WaylandFallbackSession.h"
+#include "platform/linux/wayland/WaylandFallbackSession.h"
 
 namespace quelmo::linux_platform {
 

@@ -6,8 +6,8 @@
 // terminal) counts as an application whose windows cannot be seen, which the cleanup rules
 // never offer. Background processes and command-line programs are judged as usual.
 
-#include "cleanup/DesktopSession.h"
-#include "wayland/LaunchedProcesses.h"
+#include "core/cleanup/DesktopSession.h"
+#include "platform/linux/wayland/LaunchedProcesses.h"
 
 #include <memory>
 

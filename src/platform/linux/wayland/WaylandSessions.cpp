@@ -1,8 +1,8 @@
-#include "wayland/WaylandSessions.h"
+#include "platform/linux/wayland/WaylandSessions.h"
 
-#include "wayland/CompositorSession.h"
-#include "wayland/I3IpcLink.h"
-#include "wayland/WaylandFallbackSession.h"
+#include "platform/linux/wayland/CompositorSession.h"
+#include "platform/linux/wayland/I3IpcLink.h"
+#include "platform/linux/wayland/WaylandFallbackSession.h"
 
 namespace quelmo::linux_platform {
 namespace {

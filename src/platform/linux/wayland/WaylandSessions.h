@@ -3,7 +3,7 @@
 // Which desktop session Quelmo runs in, told from the session's environment, and the source of
 // desktop facts that goes with it.
 
-#include "cleanup/DesktopSession.h"
+#include "core/cleanup/DesktopSession.h"
 
 #include <QProcessEnvironment>
 #include <QString>

@@ -1,0 +1,100 @@
+#include "app/shell/AppDelegate.h"
+
+#include "app/tray/ContextMenu.h"
+#include "app/tray/StatusTitle.h"
+
+#include <QCoreApplication>
+
+namespace quelmo {
+
+AppDelegate::AppDelegate(Platform platform, Shell shell, QObject* parent)
+    : QObject(parent), popover_([this]() -> std::unique_ptr<PopoverSurface> {
+          return shell_.makePopoverSurface ? shell_.makePopoverSurface(metrics_) : nullptr;
+      }),
+      metrics_(std::move(platform)), shell_(std::move(shell)) {
+    connect(&popover_, &Popover::willShow, this, &AppDelegate::popoverWillShow);
+    connect(&popover_, &Popover::didClose, this, &AppDelegate::popoverDidClose);
+}
+
+AppDelegate::~AppDelegate() {
+    // The window's QML may still look at the hub; let it go while the hub is alive.
+    metrics_.onUpdate = nullptr;
+    popover_.discardSurface();
+    delete contextMenu_;
+}
+
+QList<StatusMenuEntry> AppDelegate::contextMenuEntries() {
+    return {{QStringLiteral("Quit Nuvex"), QKeySequence(Qt::CTRL | Qt::Key_Q)}};
+}
+
+void AppDelegate::applicationDidFinishLaunching() {
+    statusItem_ = shell_.makeStatusItem ? shell_.makeStatusItem() : nullptr;
+    if (statusItem_) {
+        statusItem_->setTitle(QString());
+        statusItem_->setMenu(contextMenuEntries());
+        connect(statusItem_.get(), &StatusItem::clicked, this, &AppDelegate::togglePopover);
+        connect(statusItem_.get(), &StatusItem::menuEntryTriggered, this,
+                &AppDelegate::runMenuEntry);
+    }
+
+    metrics_.onUpdate = [self = QPointer<AppDelegate>(this)] {
+        if (self)
+            self->updateStatusTitle();
+    };
+    metrics_.start();
+}
+
+void AppDelegate::updateStatusTitle() {
+    if (!statusItem_)
+        return;
+    statusItem_->setTitle(statusTitle(metrics_.cpuTotal(), metrics_.memFraction()));
+}
+
+void AppDelegate::togglePopover(StatusClick sender) {
+    if (sender.button == StatusClick::Button::Right) {
+        showContextMenu(sender.position);
+        return;
+    }
+    if (!statusItem_)
+        return;
+    popover_.toggle(sender.position);
+}
+
+void AppDelegate::showPopover() {
+    if (statusItem_)
+        popover_.show(statusItem_->anchorHint());
+}
+
+void AppDelegate::showContextMenu(QPoint at) {
+    delete contextMenu_;
+    // Gone as soon as it is dismissed, so that a later left click toggles the popover again.
+    contextMenu_ =
+        new ContextMenu(contextMenuEntries(), [this](int index) { runMenuEntry(index); });
+    contextMenu_->popup(at);
+}
+
+void AppDelegate::runMenuEntry(int index) {
+    if (index == 0)
+        quit();
+}
+
+void AppDelegate::quit() {
+    if (shell_.terminate)
+        shell_.terminate();
+    else
+        QCoreApplication::quit();
+}
+
+void AppDelegate::popoverWillShow() {
+    metrics_.setPollProcesses(true);
+    metrics_.refreshProcesses();
+}
+
+void AppDelegate::popoverDidClose() {
+    metrics_.setPollProcesses(false);
+    metrics_.setTopCPU({});
+    metrics_.setTopMem({});
+    metrics_.setCleanupCandidates({});
+}
+
+} // namespace quelmo

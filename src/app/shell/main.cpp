@@ -1,0 +1,54 @@
+#include "app/shell/AppDelegate.h"
+#include "app/shell/GraphicalSession.h"
+#include "platform/linux/LinuxPlatform.h"
+#include "app/shell/LinuxShell.h"
+#include "app/shell/SingleInstance.h"
+
+#include <QApplication>
+#include <QDBusConnection>
+#include <QQuickWindow>
+#include <QTimer>
+#include <cstdio>
+#include <optional>
+
+namespace {
+
+std::optional<QDBusConnection> sessionBus() {
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    return bus.isConnected() ? std::optional(bus) : std::nullopt;
+}
+
+} // namespace
+
+int main(int argc, char* argv[]) {
+    // Checked before Qt starts, so that a missing display is one plain line, not Qt's abort.
+    if (const std::optional<QString> problem = quelmo::graphicalSessionProblem()) {
+        std::fprintf(stderr, "quelmo: %s\n", qPrintable(*problem));
+        return 1;
+    }
+
+    QApplication app(argc, argv);
+    QApplication::setOrganizationName(QStringLiteral("quelmo"));
+    QApplication::setApplicationName(QStringLiteral("quelmo"));
+    QApplication::setApplicationDisplayName(QStringLiteral("Quelmo"));
+    QApplication::setDesktopFileName(QStringLiteral("quelmo"));
+    // A tray utility: closing the popover never ends the program.
+    QApplication::setQuitOnLastWindowClosed(false);
+
+    // The popover is small and mostly still: Qt Quick's software renderer draws it without
+    // loading an OpenGL driver, which would otherwise stay resident (about 90 MiB with Mesa)
+    // for the rest of the session once the popover has been opened.
+    if (qEnvironmentVariableIsEmpty("QT_QUICK_BACKEND"))
+        QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+
+    const std::optional<QDBusConnection> bus = sessionBus();
+    quelmo::SingleInstance instance(bus);
+    if (instance.handOver())
+        return 0;
+
+    quelmo::AppDelegate delegate(quelmo::linux_platform::makePlatform(), quelmo::linuxShell(bus));
+    QObject::connect(&instance, &quelmo::SingleInstance::activationRequested, &delegate,
+                     &quelmo::AppDelegate::showPopover);
+    QTimer::singleShot(0, &delegate, &quelmo::AppDelegate::applicationDidFinishLaunching);
+    return QApplication::exec();
+}

@@ -1,0 +1,144 @@
+#include "app/shell/AppDelegate.h"
+#include "support/FakePlatform.h"
+#include "support/TempSettings.h"
+
+#include <QCoreApplication>
+#include <QKeyEvent>
+#include <gtest/gtest.h>
+
+using namespace quelmo;
+using namespace quelmo::test;
+using Reason = PopoverSurface::CloseReason;
+
+namespace {
+
+struct FakeStatusItem : StatusItem {
+    void setTitle(const QString&) override {}
+    void setMenu(const QList<StatusMenuEntry>&) override {}
+    QPoint anchorHint() const override { return {}; }
+};
+
+struct FakeSurface : PopoverSurface {
+    std::function<void()> onShow; // runs where the window would appear
+    void showAt(QPoint) override { onShow ? onShow() : void(); }
+    void hide() override {}
+};
+
+// The delegate, launched, on stand-ins with two processes.
+struct Shell {
+    FixedProcesses* processes = new FixedProcesses;
+    FakeStatusItem* item = nullptr;
+    FakeSurface* surface = nullptr;
+    std::function<void()> onShow;
+    int quits = 0;
+    std::unique_ptr<AppDelegate> delegate;
+
+    Shell() {
+        TempSettings::clear();
+        Platform platform;
+        processes->rows = {proc(10, "editor", 5, 300e6), proc(11, "browser", 40, 900e6)};
+        platform.processes.reset(processes);
+        auto makeItem = [this] { return std::unique_ptr<StatusItem>(item = new FakeStatusItem); };
+        auto makeSurface = [this](SystemMetrics&) {
+            surface = new FakeSurface;
+            surface->onShow = onShow;
+            return std::unique_ptr<PopoverSurface>(surface);
+        };
+        delegate = std::make_unique<AppDelegate>(
+            std::move(platform), AppDelegate::Shell{makeItem, makeSurface, [this] { ++quits; }});
+        delegate->applicationDidFinishLaunching();
+    }
+
+    SystemMetrics& metrics() { return delegate->metrics(); }
+    void click(StatusClick::Button button) { emit item->clicked({button, {600, 12}}); }
+};
+
+} // namespace
+
+TEST(PopoverTest, AClickRightAfterAFocusLossCloseIsPartOfThatGestureAndLeavesItClosed) {
+    qint64 now = 10'000;
+    FakeSurface* surface = nullptr;
+    Popover popover([&] { return std::unique_ptr<PopoverSurface>(surface = new FakeSurface); },
+                    [&] { return now; });
+    int closes = 0;
+    QObject::connect(&popover, &Popover::didClose, [&] { ++closes; });
+
+    popover.toggle({});
+    emit surface->closedByUser(Reason::FocusLost);
+    now += Popover::reopenGuardMs - 1;
+    popover.toggle({});
+    EXPECT_FALSE(popover.isShown());
+    now += 1;
+    popover.toggle({});
+    EXPECT_TRUE(popover.isShown());
+
+    emit surface->closedByUser(Reason::Escape); // a key, not a click: nothing to swallow
+    popover.toggle({});
+    EXPECT_TRUE(popover.isShown());
+    popover.toggle({});
+    emit surface->closedByUser(Reason::FocusLost); // late, after the popover closed itself
+    popover.toggle({});
+    EXPECT_TRUE(popover.isShown());
+    EXPECT_EQ(closes, 3);
+}
+
+TEST(AppDelegateTest, OpeningPollsAndRefreshesBeforeTheWindowShows) {
+    Shell shell;
+    EXPECT_FALSE(shell.metrics().pollProcesses());
+    EXPECT_EQ(shell.surface, nullptr); // no window (nor QML engine) until the first open
+    std::string atShow;                // what the window would see as it appears
+    shell.onShow = [&] {
+        atShow = QStringLiteral("polling %1, snapshots %2, top %3")
+                     .arg(shell.metrics().pollProcesses() ? "on" : "off")
+                     .arg(shell.processes->snapshots)
+                     .arg(shell.metrics().topCPU().size())
+                     .toStdString();
+    };
+    shell.click(StatusClick::Button::Left);
+    EXPECT_TRUE(shell.delegate->popover().isShown());
+    EXPECT_EQ(atShow, "polling on, snapshots 1, top 2");
+}
+
+TEST(AppDelegateTest, ClosingStopsPollingThenEmptiesTheListsInOrder) {
+    Shell shell;
+    shell.click(StatusClick::Button::Left);
+    auto& m = shell.metrics();
+    ASSERT_FALSE(m.topCPU().isEmpty());
+
+    QStringList emptied;
+    auto note = [&](const char* what) {
+        return [&, what] { emptied << what + QString(m.pollProcesses() ? " polling" : ""); };
+    };
+    QObject::connect(&m, &SystemMetrics::topCPUChanged, note("topCPU"));
+    QObject::connect(&m, &SystemMetrics::topMemChanged, note("topMem"));
+    QObject::connect(&m, &SystemMetrics::cleanupCandidatesChanged, note("candidates"));
+    emit shell.surface->closedByUser(Reason::FocusLost);
+    EXPECT_EQ(emptied.join(", ").toStdString(), "topCPU, topMem, candidates");
+    EXPECT_TRUE(m.topCPU().isEmpty() && m.topMem().isEmpty());
+
+    const int snapshots = shell.processes->snapshots;
+    m.update();
+    EXPECT_EQ(shell.processes->snapshots, snapshots); // closed: no process table on a tick
+}
+
+TEST(AppDelegateTest, RightClickOnlyShowsTheOwnMenuWhichQuitsOnCtrlQ) {
+    Shell shell;
+    shell.click(StatusClick::Button::Left);
+    shell.click(StatusClick::Button::Right);
+    EXPECT_TRUE(shell.delegate->popover().isShown());
+    QMenu* menu = shell.delegate->contextMenu();
+    ASSERT_NE(menu, nullptr);
+    EXPECT_TRUE(menu->isVisible());
+    ASSERT_EQ(menu->actions().size(), 1);
+    EXPECT_EQ(menu->actions()[0]->text(), "Quit Nuvex");
+    QKeyEvent ctrlQ(QEvent::KeyPress, Qt::Key_Q, Qt::ControlModifier);
+    QCoreApplication::sendEvent(menu, &ctrlQ);
+    EXPECT_EQ(shell.quits, 1);
+
+    // Once dismissed the menu is gone, and a left click toggles the popover again.
+    menu->hide();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_EQ(shell.delegate->contextMenu(), nullptr);
+    shell.click(StatusClick::Button::Left);
+    EXPECT_FALSE(shell.delegate->popover().isShown());
+}

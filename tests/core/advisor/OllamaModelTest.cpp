@@ -1,0 +1,138 @@
+#include "core/advisor/OllamaModel.h"
+
+#include "FakeOllamaServer.h"
+#include "QtPrinting.h"
+#include "core/advisor/AIAdvisor.h"
+#include "core/advisor/AdvisorTexts.h"
+#include "core/advisor/GenVerdict.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <gtest/gtest.h>
+
+using namespace quelmo;
+using namespace quelmo::test;
+using Answer = FakeOllamaServer::Answer;
+
+namespace {
+
+// Models as the runtime lists them (sizes in bytes on disk), and what /api/show says each can do.
+// The two embedding models are told apart from chat models by name and by family respectively.
+const QByteArray qwen = R"({"name":"qwen:0.5b","size":300,"details":{"family":"qwen2"}})";
+const QByteArray llama = R"({"name":"llama:3b","size":2000,"details":{"family":"llama"}})";
+const QByteArray minilm = R"({"name":"all-minilm","size":40})";
+const QByteArray bge = R"({"name":"bge-m3","size":200,"details":{"family":"bert"}})";
+const QByteArray chat = R"(["completion"])", embedding = R"(["embedding"])";
+const QHash<QString, QByteArray> capabilities = {
+    {"qwen:0.5b", chat}, {"llama:3b", chat}, {"all-minilm", embedding}, {"bge-m3", embedding}};
+// The explanation is kept exactly, other keys are ignored, and the other words are normalised.
+const QByteArray goodAnswer = R"({"explanation":" Image viewer","extra":1,"safeToQuit":true,)"
+                              R"("risk":"SAFE","recommendation":"cut"})";
+const AIQueueEntry preview{"Preview", 0.3, 180.6, "Unused app", 125.5, false};
+
+// An advisor on the real client, pointed at `endpoint`, once its first look has answered.
+struct Client {
+    OllamaModel* model;
+    AIAdvisor advisor;
+    bool looked = false;
+
+    explicit Client(const QUrl& endpoint, bool installed = false)
+        : model(new OllamaModel({endpoint, 2000, 10000, [=] { return installed; }})),
+          advisor(std::unique_ptr<LanguageModel>(model)) {
+        QObject::connect(&advisor, &AIAdvisor::statusRefreshed, [this] { looked = true; });
+        EXPECT_TRUE(waitUntil([&] { return looked; }));
+    }
+
+    std::optional<AIVerdict> evaluate() {
+        std::optional<std::optional<AIVerdict>> result;
+        advisor.evaluate(preview, false, [&](std::optional<AIVerdict> v) { result = v; });
+        EXPECT_FALSE(result) << "answered from inside evaluate";
+        EXPECT_TRUE(waitUntil([&] { return result.has_value(); }));
+        return result.value_or(std::nullopt);
+    }
+};
+
+TEST(OllamaModel, RequestCarriesInstructionsPromptAndSchemaAndBadAnswersYieldNothing) {
+    FakeOllamaServer server;
+    server.serveModels("[]", "[" + qwen + "]", capabilities);
+    server.on("POST", "/api/chat", FakeOllamaServer::chatAnswer(goodAnswer));
+    auto client = std::make_unique<Client>(server.url());
+    EXPECT_EQ(client->evaluate(), (AIVerdict{" Image viewer", true, "안전", "cut"}));
+    const QByteArray raw = server.lastBody; // the look is over: the chat is the last request
+    const QString prompt = buildPrompt("Preview", 0.3, 180.6, "Unused app", 125.5, false, false);
+    // A fresh conversation each time, with no sampling options and no streaming.
+    const QJsonArray messages = {
+        QJsonObject{{"role", "system"}, {"content", advisorInstructions(false)}},
+        QJsonObject{{"role", "user"}, {"content", GenVerdict::promptWithSchema(prompt)}}};
+    EXPECT_EQ(QJsonDocument::fromJson(raw).object(),
+              (QJsonObject{{"model", "qwen:0.5b"},
+                           {"messages", messages},
+                           {"stream", false},
+                           {"format", GenVerdict::schema()}}));
+    EXPECT_TRUE(raw.contains(",\"format\":" + GenVerdict::schemaText())); // key order kept
+
+    for (const Answer& bad :
+         {Answer{200, FakeOllamaServer::chatAnswer(goodAnswer).body, 60000},
+          Answer{200, R"({"message":{"content":)"}, Answer{200, R"({"done":true})"},
+          Answer{500, goodAnswer}, Answer{404, R"({"error":"model not found"})"}}) {
+        server.on("POST", "/api/chat", bad);
+        EXPECT_EQ(client->evaluate(), std::nullopt) << bad.status << ' ' << bad.delayMs;
+    }
+    // The first property that is missing or of the wrong type fails the whole answer.
+    for (const char* content :
+         {R"({"explanation":null,"safeToQuit":true,"risk":"SAFE","recommendation":"keep"})",
+          R"({"explanation":"x","safeToQuit":"true","risk":"SAFE","recommendation":"keep"})",
+          R"({"explanation":"x","safeToQuit":true,"recommendation":"keep"})",
+          R"({"explanation":"x","safeToQuit":true,"risk":"SAFE","recommendation":1})",
+          "Sure! It is an image viewer."}) {
+        server.on("POST", "/api/chat", FakeOllamaServer::chatAnswer(content));
+        EXPECT_EQ(client->evaluate(), std::nullopt) << content;
+    }
+
+    // Dropped while an answer is on its way: nothing is called back into the dead advisor.
+    server.requests.clear();
+    server.on("POST", "/api/chat", Answer{200, FakeOllamaServer::chatAnswer(goodAnswer).body, 100});
+    client->advisor.evaluate(preview, false, [](auto) { ADD_FAILURE() << "called back"; });
+    ASSERT_TRUE(waitUntil([&] { return server.requests.contains("POST /api/chat"); }));
+    client.reset();
+    waitUntil([] { return false; }, 300);
+}
+
+TEST(OllamaModel, AvailabilityFollowsTheRuntime) {
+    // loaded, installed, whether /api/show tells capabilities, the model to chat with
+    const std::tuple<QByteArray, QByteArray, bool, QString> runtimes[] = {
+        {"[]", "[" + bge + "," + minilm + "]", true, ""},
+        {"[]", "[" + llama + "," + bge + "," + qwen + "]", true, "qwen:0.5b"}, // the smallest
+        {"[" + llama + "]", "[" + qwen + "," + llama + "]", true, "llama:3b"}, // loaded first
+        {"[]", "[" + minilm + "," + bge + "," + qwen + "]", false, "qwen:0.5b"}};
+    for (const auto& [loaded, installed, tells, chatModel] : runtimes) {
+        SCOPED_TRACE(installed.toStdString());
+        FakeOllamaServer server;
+        server.serveModels(loaded, installed, tells ? capabilities : QHash<QString, QByteArray>{});
+        Client client(server.url());
+        EXPECT_EQ(client.advisor.status().reason,
+                  chatModel.isEmpty() ? "Model is downloading" : "");
+        EXPECT_EQ(client.model->chatModel(), chatModel);
+    }
+
+    // No runtime answering, or a foreign address refused before any request: no verdict.
+    const QUrl closedPort = FakeOllamaServer().url();
+    const std::tuple<QUrl, bool, const char*> absent[] = {
+        {closedPort, false, "Apple Intelligence not supported on this Mac"},
+        {closedPort, true, "Apple Intelligence is turned off"},
+        {QUrl("http://192.0.2.1:11434"), true, "Unavailable"},
+        {QUrl("http://example.com:11434"), true, "Unavailable"}};
+    for (const auto& [endpoint, installed, reason] : absent) {
+        Client client(endpoint, installed);
+        EXPECT_EQ(client.advisor.status().reason, reason);
+        EXPECT_EQ(client.evaluate(), std::nullopt);
+    }
+    // Only a loopback literal, or "localhost" pinned to 127.0.0.1, over plain http is ever used.
+    EXPECT_EQ(loopbackEndpoint(QUrl("http://localhost:1")), QUrl("http://127.0.0.1:1"));
+    for (const char* refused :
+         {"http://localhost.example:1", "https://127.0.0.1:1", "http://10.0.0.2:1"})
+        EXPECT_EQ(loopbackEndpoint(QUrl(refused)), std::nullopt) << refused;
+}
+
+} // namespace

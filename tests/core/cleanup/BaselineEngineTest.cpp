@@ -1,0 +1,102 @@
+#include "core/cleanup/BaselineEngine.h"
+
+#include "support/FakePlatform.h"
+#include "support/TempSettings.h"
+
+#include <QSettings>
+#include <gtest/gtest.h>
+
+using namespace quelmo;
+using namespace quelmo::test;
+
+namespace {
+
+const QString key = QStringLiteral("test.baselines");
+constexpr double GiB = 1073741824.0;
+
+// A busy streak of `k` more for `pid`, under a throw-away name so other statistics stay put.
+void heat(BaselineEngine& engine, qint64 pid, int k) {
+    for (int i = 0; i < k; ++i)
+        engine.observe({proc(pid, "warm-up", 50, 0)});
+}
+
+// Starts from a clean settings file holding `document` as the stored statistics.
+void store(const QByteArray& document) {
+    TempSettings::clear();
+    QSettings().setValue(key, document);
+}
+
+TEST(BaselineEngineTest, FoldsEachNameFromZeroAndCountsBusyStreaksPerLivePid) {
+    store(R"({"capped":{"mean":10,"meanSq":100,"samples":9223372036854774784}})");
+    BaselineEngine engine(key);
+    engine.observe({proc(1, "fresh", 20, 0), proc(2, "capped", 0, 0)});
+    EXPECT_EQ(engine.baselines().value("fresh"), (BaselineEngine::Stat{0.6, 12, 1}));
+    EXPECT_EQ(engine.baselines().value("capped"),
+              (BaselineEngine::Stat{0.97 * 10, 0.97 * 100, 100000}));
+
+    engine.observe({proc(1, "a", 8.0, 0), proc(2, "a", 7.99, 0), proc(3, "a", 9, 0)});
+    engine.observe({proc(1, "a", 8.0, 0), proc(2, "a", 9, 0)}); // pid 3 is gone
+    engine.observe({proc(1, "a", 8.0, 0), proc(2, "a", 9, 0), proc(3, "a", 9, 0)});
+    EXPECT_EQ(engine.streak(1), 4);
+    EXPECT_EQ(engine.streak(2), 2);
+    EXPECT_EQ(engine.streak(3), 1);
+}
+
+// Each check sits right on a threshold, so a wrong rounding, comparison or coefficient shows.
+TEST(BaselineEngineTest, ThresholdsFollowSensitivity) {
+    struct Row {
+        double s;
+        int n;          // streak threshold
+        double fastCPU; // sustained, fast form
+        double width;   // spike width in bands
+        double ramGiB;
+    };
+    for (const Row& t : {Row{0, 25, 40, 4, 3}, Row{0.5, 16, 27.5, 3, 2}, Row{1, 6, 15, 2, 1}}) {
+        SCOPED_TRACE(testing::Message() << "s = " << t.s);
+        store(R"({"hist":{"mean":10,"meanSq":116,"samples":20}})"); // d = 4: the band is 4
+        BaselineEngine engine(key);
+        engine.setSensitivity(t.s);
+
+        heat(engine, 1, t.n - 1);
+        EXPECT_EQ(engine.reason(proc(1, "x", t.fastCPU, 0)), std::nullopt);
+        heat(engine, 1, 1);
+        EXPECT_EQ(engine.reason(proc(1, "x", t.fastCPU, 0)), CleanupReason::sustained);
+        EXPECT_EQ(engine.reason(proc(1, "x", t.fastCPU - 0.01, 0)), std::nullopt);
+        heat(engine, 1, 9);
+        EXPECT_EQ(engine.reason(proc(1, "x", 8.0, 0)), std::nullopt);
+        heat(engine, 1, 1); // slow form: N + 10 busy observations at 8 % or more
+        EXPECT_EQ(engine.reason(proc(1, "x", 8.0, 0)), CleanupReason::sustained);
+        EXPECT_EQ(engine.reason(proc(1, "x", 7.99, 0)), std::nullopt);
+
+        heat(engine, 2, 5); // below every N; pid 1 is gone
+        const double spikeLine = 10 + t.width * 4;
+        EXPECT_EQ(engine.reason(proc(2, "hist", spikeLine, 0)), std::nullopt);
+        EXPECT_EQ(engine.reason(proc(2, "hist", spikeLine + 0.01, 0)), CleanupReason::spike);
+
+        EXPECT_EQ(engine.reason(proc(3, "x", 0, t.ramGiB * GiB)), CleanupReason::ramHog);
+        EXPECT_EQ(engine.reason(proc(3, "x", 0, t.ramGiB * GiB - 1)), std::nullopt);
+    }
+}
+
+TEST(BaselineEngineTest, SpikeGatesAndTheOrderOfTheTests) {
+    // At s = 0.5 the spike line is mean + 3 bands; a band is never below 2.
+    store(R"({"h":{"mean":2,"meanSq":5,"samples":100},"few":{"mean":2,"meanSq":5,"samples":19},)"
+          R"("odd":{"mean":2,"meanSq":1,"samples":100}})");
+    BaselineEngine engine(key);
+    heat(engine, 1, 4);
+    EXPECT_EQ(engine.reason(proc(1, "h", 15, 0)), std::nullopt); // needs a streak of 5
+    heat(engine, 1, 1);
+    EXPECT_EQ(engine.reason(proc(1, "h", 15, 0)), CleanupReason::spike);
+    EXPECT_EQ(engine.reason(proc(1, "h", 14.9, 0)), std::nullopt);
+    EXPECT_EQ(engine.reason(proc(1, "odd", 15, 0)), CleanupReason::spike); // no real root
+    EXPECT_EQ(engine.reason(proc(1, "few", 99, 0)), std::nullopt);
+
+    heat(engine, 1, 11); // streak 16 = N
+    EXPECT_EQ(engine.reason(proc(1, "h", 30, 8 * GiB)), CleanupReason::sustained);
+    EXPECT_EQ(engine.reason(proc(1, "h", 20, 8 * GiB)), CleanupReason::spike);
+    heat(engine, 1, 10); // streak 26 = N + 10
+    EXPECT_EQ(engine.reason(proc(1, "x", 9, 8 * GiB)), CleanupReason::ramHog);
+    EXPECT_EQ(engine.reason(proc(1, "x", 9, 0)), CleanupReason::sustained);
+}
+
+} // namespace

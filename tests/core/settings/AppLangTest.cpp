@@ -1,0 +1,36 @@
+#include "core/settings/AppLang.h"
+
+#include <gtest/gtest.h>
+
+using namespace quelmo;
+
+// Only the first preferred language counts, a stored choice must match exactly, and the "auto"
+// label follows the language it resolves to.
+TEST(AppLangTest, ResolvesStoredChoiceThenFirstPreferredLanguage) {
+    const struct {
+        QString stored;
+        QStringList preferred;
+        QString expected;
+    } rows[] = {
+        {"auto", {"ko-KR", "en-US"}, "ko"},
+        {"auto", {"en-KR", "ko-KR"}, "en"},
+        {"auto", {"KO-Kore-KR"}, "ko"},
+        {"auto", {}, "en"},
+        {"en", {"ko-KR"}, "en"},
+        {"ko", {"en-US"}, "ko"},
+        {"KO", {"en-US"}, "en"},
+        {"fr", {"ko"}, "ko"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.stored.toStdString() + " " + row.preferred.join(',').toStdString());
+        EXPECT_EQ(AppLang::resolve(row.stored, row.preferred), row.expected);
+    }
+    EXPECT_FALSE(AppLang::fromRaw("Auto"));
+    EXPECT_EQ(AppLang::fromRaw("auto"), AppLang(AppLang::automatic));
+
+    AppLang::setPreferredLanguagesSource([] { return QStringList{"ko-KR"}; });
+    EXPECT_EQ(AppLang(AppLang::automatic).pickerLabel(), QStringLiteral("시스템"));
+    AppLang::setPreferredLanguagesSource([] { return QStringList{"en-US"}; });
+    EXPECT_EQ(AppLang(AppLang::automatic).pickerLabel(), QStringLiteral("System"));
+    AppLang::setPreferredLanguagesSource({});
+}

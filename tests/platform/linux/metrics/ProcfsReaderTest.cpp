@@ -1,0 +1,113 @@
+#include "support/FixtureTree.h"
+#include "core/metrics/ProcessMonitor.h"
+#include "platform/linux/metrics/ProcfsProcessReader.h"
+
+#include <gtest/gtest.h>
+#include <map>
+#include <unistd.h>
+
+using namespace quelmo;
+using namespace quelmo::linux_platform;
+using namespace quelmo::test;
+
+namespace {
+
+std::optional<QString> fixtureUsers(std::uint32_t uid) {
+    if (uid == 0)
+        return QStringLiteral("root");
+    if (uid == 1000)
+        return QStringLiteral("alice");
+    return std::nullopt;
+}
+
+std::map<qint64, ProcessRecord> tableOf(const QString& root) {
+    std::map<qint64, ProcessRecord> byPid;
+    const auto table = ProcfsProcessReader(root, fixtureUsers).readTable();
+    if (table) {
+        for (const ProcessRecord& r : table->processes)
+            byPid[r.pid] = r;
+    }
+    return byPid;
+}
+
+} // namespace
+
+TEST(ProcfsProcessReaderTest, NamesTheKernelAllowsAndBrokenEntries) {
+    const auto table = tableOf(machine("hostile"));
+    std::map<qint64, std::string> names;
+    for (const auto& [pid, r] : table)
+        names[pid] = r.name.toStdString();
+    // 103 (truncated stat), 104 (garbage), 105 (no stat), 106 (no status) and 110 (a negative
+    // tick count) are left out; "acpi" is not a process.
+    const std::map<qint64, std::string> expected = {
+        {100, "Web Content"},
+        {101, "x) (y)"},
+        {102, "new?line"},
+        {107, "WebKitWebProcess"},            // the 15-byte cut completed from argv[0]
+        {108, "gnome-shell-calendar-server"}, // a rewritten command line stops at its arguments
+        {109, "\xef\xbf\xbd\xef\xbf\xbd"
+              "bad utf8"}}; // invalid UTF-8 replaced
+    EXPECT_EQ(names, expected);
+
+    const ProcessRecord& web = table.at(100);
+    EXPECT_EQ(web.user, QStringLiteral("alice"));
+    EXPECT_EQ(web.cpuTicks, 150u);
+    EXPECT_EQ(web.startTime, 1000u);
+    EXPECT_EQ(web.rssBytes, 256.0 * static_cast<double>(::sysconf(_SC_PAGESIZE)));
+    EXPECT_EQ(table.at(102).user, QStringLiteral("root")); // the effective uid, not the real one
+    EXPECT_EQ(table.at(107).user, QStringLiteral("4242")); // no name: the uid, as ps prints it
+    EXPECT_EQ(table.at(108).user, QString());              // unreadable Uid line
+}
+
+TEST(ProcfsProcessReaderTest, RealTreesAndLifetimeAverages) {
+    const auto vm = tableOf(machine("this-vm"));
+    EXPECT_EQ(vm.at(1).name, QStringLiteral("process_api"));
+    EXPECT_EQ(vm.at(1).user, QStringLiteral("root"));
+    EXPECT_EQ(vm.at(2).rssBytes, 0.0);
+    // A 15-byte name whose argv[0] says something else keeps the kernel's name.
+    EXPECT_EQ(vm.at(1162).name, QStringLiteral("memfd:sealed-91"));
+    EXPECT_EQ(vm.at(1163).name, QStringLiteral("bash"));
+
+    ProcessMonitor monitor(
+        std::make_unique<ProcfsProcessReader>(machine("intel-laptop"), fixtureUsers));
+    std::map<qint64, ProcInfo> rows;
+    for (const ProcInfo& p : monitor.snapshot())
+        rows[p.id] = p;
+    ASSERT_EQ(rows.size(), 2u);
+    EXPECT_DOUBLE_EQ(rows.at(2001).cpu, 10.0); // 400 s of CPU in 4000 s
+    EXPECT_DOUBLE_EQ(rows.at(2002).cpu, 42.8); // 1500 s in 3500 s, tenths rounded down
+    EXPECT_EQ(rows.at(2002).name, QStringLiteral("Isolated Web Co"));
+    EXPECT_EQ(monitor.startTimeOf(2002), std::optional<std::uint64_t>(150000));
+}
+
+TEST(ProcfsProcessReaderTest, StatFieldsAfterTheLastParenthesis) {
+    const auto stat =
+        parseProcStat("7 (a) b) R 1 7 7 0 -1 0 0 0 0 0 11 22 -3 -4 20 0 1 0 333 0 44\n");
+    ASSERT_TRUE(stat);
+    EXPECT_EQ(stat->comm, "a) b");
+    EXPECT_EQ(stat->cpuTicks, 33u);
+    EXPECT_EQ(stat->startTime, 333u);
+    EXPECT_EQ(stat->rssPages, 44u);
+    EXPECT_FALSE(parseProcStat("7 (a R 1 7 7 0 -1 0 0 0 0 0 11 22 -3 -4 20 0 1 0 333 0 44"));
+    EXPECT_FALSE(parseProcStat("7 )a( R 1 7 7 0 -1 0 0 0 0 0 11 22 -3 -4 20 0 1 0 333 0 44"));
+    EXPECT_EQ(parseStatusUid("Name:\tx\nUid:\t1\t2\t3\t4\n"), std::optional<std::uint32_t>(2));
+    EXPECT_FALSE(parseStatusUid("Uid:\t1\n"));
+}
+
+TEST(ProcfsProcessReaderTest, WithoutProcTheListingToolIsRunWithItsTwoArguments) {
+    ProcfsProcessReader reader(machine("no-proc"), fixtureUsers);
+    EXPECT_FALSE(reader.readTable()); // an empty /proc is an unmounted one
+
+    ProcessMonitor monitor(std::make_unique<ProcfsProcessReader>(machine("no-proc"), fixtureUsers));
+    const auto rows = monitor.snapshot();
+    ASSERT_EQ(rows.size(), 3u); // "bad line" and the tab-separated line are skipped
+    EXPECT_EQ(rows[1].id, 123);
+    EXPECT_EQ(rows[1].name, QStringLiteral("Web Content"));
+    EXPECT_EQ(rows[1].rss, 20480.0 * 1024);
+    EXPECT_EQ(rows[2].name, QStringLiteral("Xwayland")); // the last line has no line feed
+    EXPECT_FALSE(monitor.startTimeOf(123));
+
+    ProcfsProcessReader nothing(QStringLiteral("/nonexistent/quelmo"), fixtureUsers);
+    EXPECT_FALSE(nothing.readTable());
+    EXPECT_FALSE(nothing.runProcessTool());
+}

@@ -1,0 +1,164 @@
+// The readers on this machine, against the tools an administrator would check them with.
+
+#include "platform/linux/metrics/ChipFactsReader.h"
+#include "platform/linux/metrics/CpuTicksReader.h"
+#include "platform/linux/metrics/KernelFile.h"
+#include "platform/linux/metrics/MemInfoReader.h"
+#include "core/metrics/MemoryMonitor.h"
+#include "core/metrics/ProcessListText.h"
+#include "core/metrics/ProcessMonitor.h"
+#include "platform/linux/metrics/ProcessToolRunner.h"
+#include "platform/linux/metrics/ProcfsProcessReader.h"
+
+#include <QFile>
+#include <QProcess>
+#include <QStandardPaths>
+#include <cmath>
+#include <gtest/gtest.h>
+#include <map>
+#include <string>
+
+using namespace quelmo;
+using namespace quelmo::linux_platform;
+
+namespace {
+
+QString run(const QString& program, const QStringList& arguments) {
+    QProcess process;
+    process.start(program, arguments);
+    if (!process.waitForFinished(60000) || process.exitCode() != 0)
+        return {};
+    return QString::fromUtf8(process.readAllStandardOutput());
+}
+
+std::map<qint64, ProcInfo> byPid(const std::vector<ProcInfo>& rows) {
+    std::map<qint64, ProcInfo> map;
+    for (const ProcInfo& row : rows)
+        map[row.id] = row;
+    return map;
+}
+
+double uptimeSeconds() {
+    QFile file("/proc/uptime");
+    file.open(QIODevice::ReadOnly);
+    return file.readAll().split(' ').value(0).toDouble();
+}
+
+// ps prints at most 8 characters of a user name, cutting longer ones to 7 and a '+'.
+bool sameUser(const QString& ours, const QString& ps) {
+    if (ps.size() == 8 && ps.endsWith(QLatin1Char('+')))
+        return ours.startsWith(ps.chopped(1));
+    return ours == ps;
+}
+
+// procps prints the kernel's name, cut to 15 bytes; ours completes a cut name from argv[0].
+// A kernel worker renames itself after the work it picks up ("kworker/1:0-events").
+bool sameName(const QString& ours, const QString& ps) {
+    if (ps.startsWith(QLatin1String("kworker/")))
+        return ours.section(QLatin1Char('-'), 0, 0) == ps.section(QLatin1Char('-'), 0, 0);
+    if (ps.toUtf8().size() == 15)
+        return ours.startsWith(ps);
+    return ours == ps;
+}
+
+} // namespace
+
+TEST(SystemComparisonTest, ProcfsSnapshotAgreesWithPs) {
+    ProcessMonitor before(std::make_unique<ProcfsProcessReader>(QStringLiteral("/")));
+    ProcessMonitor after(std::make_unique<ProcfsProcessReader>(QStringLiteral("/")));
+    const double start = uptimeSeconds();
+    const auto ours = byPid(before.snapshot()); // first snapshots: lifetime averages, as ps
+    const auto output = runProcessListingTool("/bin/ps");
+    const auto oursAfter = byPid(after.snapshot());
+    ASSERT_TRUE(output);
+    const auto text = decodeProcessListText(*output);
+    ASSERT_TRUE(text);
+    const auto ps = byPid(parseProcessListText(*text));
+    ASSERT_GT(ps.size(), 3u);
+    const double now = uptimeSeconds();
+
+    int compared = 0;
+    for (const auto& [pid, mine] : ours) {
+        const auto later = oursAfter.find(pid);
+        if (later == oursAfter.end() || after.startTimeOf(pid) != before.startTimeOf(pid))
+            continue; // ended, or its pid was reused, while the tools ran
+        SCOPED_TRACE(mine.name.toStdString());
+        const auto theirs = ps.find(pid);
+        ASSERT_NE(theirs, ps.end()) << "pid " << pid << " missing from ps";
+        EXPECT_TRUE(sameUser(mine.user, theirs->second.user)) << theirs->second.user.toStdString();
+        EXPECT_TRUE(sameName(mine.name, theirs->second.name)) << theirs->second.name.toStdString();
+        // Resident sizes move a little while the three readings are taken.
+        const double low = std::min(mine.rss, later->second.rss);
+        const double high = std::max(mine.rss, later->second.rss);
+        const double slack = std::max(1.0 * (1 << 20), 0.1 * high);
+        EXPECT_GE(theirs->second.rss, low - slack);
+        EXPECT_LE(theirs->second.rss, high + slack);
+        // The same lifetime average, for processes old enough that a second does not matter.
+        const double age = now - static_cast<double>(*before.startTimeOf(pid)) / 100.0;
+        if (age > 120) {
+            EXPECT_NEAR(mine.cpu, theirs->second.cpu, 0.5 + 0.05 * theirs->second.cpu);
+        }
+        ++compared;
+    }
+    EXPECT_GT(compared, 3);
+    // Whatever ps listed that we did not was born after our first look (ps itself, at least)
+    // or has ended since.
+    for (const auto& [pid, row] : ps) {
+        if (ours.count(pid) || oursAfter.count(pid))
+            continue;
+        const auto stat = readWholeFile("/proc/" + std::to_string(pid) + "/stat");
+        const auto parsed = stat ? parseProcStat(*stat) : std::nullopt;
+        if (parsed) {
+            EXPECT_GE(static_cast<double>(parsed->startTime) + 1.0, start * 100.0)
+                << "pid " << pid << " (" << row.name.toStdString() << ") missing from our table";
+        }
+    }
+}
+
+TEST(SystemComparisonTest, MemoryAgreesWithFree) {
+    const QString free = run(QStringLiteral("free"), {QStringLiteral("-b")});
+    ASSERT_FALSE(free.isEmpty());
+    // "Mem:  total used free shared buff/cache available"
+    QStringList mem;
+    for (const QString& line : free.split('\n')) {
+        if (line.startsWith(QLatin1String("Mem:")))
+            mem = line.split(' ', Qt::SkipEmptyParts);
+    }
+    ASSERT_GE(mem.size(), 7);
+    const double total = mem[1].toDouble(), unused = mem[3].toDouble(), shared = mem[4].toDouble();
+
+    auto* reader = new MemInfoReader(QStringLiteral("/"));
+    EXPECT_EQ(reader->physicalBytes(), total);
+    MemoryMonitor monitor(std::unique_ptr<MemorySource>(reader), total);
+    const auto used = monitor.sample().used;
+    // Our used memory holds shared memory and never free memory; memory moves a little
+    // between the two readings.
+    const double slack = 64.0 * (1 << 20);
+    EXPECT_GE(used, shared - slack);
+    EXPECT_LE(used, total - unused + slack);
+}
+
+TEST(SystemComparisonTest, ProcessorCountAndNameAgreeWithGetconfAndLscpu) {
+    const int online =
+        run(QStringLiteral("getconf"), {QStringLiteral("_NPROCESSORS_ONLN")}).trimmed().toInt();
+    ASSERT_GT(online, 0);
+    const ChipFacts facts = ChipFactsReader(QStringLiteral("/")).readChipFacts();
+    EXPECT_EQ(facts.logicalCpus, online);
+    EXPECT_EQ(
+        CpuTicksReader(QStringLiteral("/")).readTicks().value_or(std::vector<CpuTicks>{}).size(),
+        static_cast<std::size_t>(online));
+
+    if (QStandardPaths::findExecutable(QStringLiteral("lscpu")).isEmpty())
+        GTEST_SKIP() << "no lscpu";
+    QString lscpuName;
+    for (const QString& line : run(QStringLiteral("lscpu"), {}).split('\n')) {
+        if (line.startsWith(QLatin1String("Model name:")))
+            lscpuName = line.mid(11).trimmed();
+    }
+    // lscpu names ARM cores from its own table; only the x86 name is the kernel's.
+    QFile cpuinfo("/proc/cpuinfo");
+    cpuinfo.open(QIODevice::ReadOnly);
+    if (cpuinfo.readAll().contains("model name")) {
+        EXPECT_EQ(facts.name, lscpuName);
+    }
+}

@@ -1,0 +1,160 @@
+// The X11 session on a real desktop: a private Xvfb with openbox, windows of our own test client
+// and a real GTK application. Checks what the cleanup rules rely on: which processes count as
+// ordinary and visible applications, activations reaching the focus history, application
+// identity and polite closing through the window manager.
+
+#include "platform/linux/x11/X11DesktopSession.h"
+
+#include "support/x11/ChildProcess.h"
+#include "support/FixtureTree.h"
+#include "support/x11/XTestServer.h"
+#include "core/cleanup/FocusTracker.h"
+#include "core/settings/SettingsKeys.h"
+
+#include <QCoreApplication>
+#include <QSettings>
+#include <QThread>
+#include <cstdlib>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+namespace quelmo::linux_platform {
+namespace {
+
+using namespace std::chrono_literals;
+using test::ChildProcess;
+
+class X11DesktopSessionTest : public ::testing::Test {
+protected:
+    // One desktop for the whole suite, stopped when the program ends.
+    static test::XTestServer* server() {
+        static const auto server =
+            test::XTestServer::toolsInstalled() ? std::make_unique<test::XTestServer>() : nullptr;
+        return server.get();
+    }
+
+    void SetUp() override {
+        if (!server())
+            GTEST_SKIP() << "Xvfb or openbox is not installed";
+        ASSERT_TRUE(server()->ok()) << server()->error();
+        tree.write("data/applications/test.alpha.desktop",
+                   "[Desktop Entry]\nType=Application\nName=Alpha\nStartupWMClass=AlphaApp\n");
+        tree.write("data/applications/test.bravo.desktop",
+                   "[Desktop Entry]\nType=Application\nName=Bravo\n");
+        // Our own entries first, then the system's, for the real application.
+        session = X11DesktopSession::connect(
+            {.dataDirs = {tree.path(QStringLiteral("data")), QStringLiteral("/usr/share")},
+             .display = server()->display().c_str(),
+             .language = [this] { return language; }});
+        ASSERT_TRUE(session);
+    }
+
+    std::unique_ptr<ChildProcess> client(std::vector<std::string> args) {
+        args.insert(args.begin(), QUELMO_TEST_CLIENT);
+        auto c =
+            std::make_unique<ChildProcess>(args, ChildProcess::Options{server()->environment()});
+        EXPECT_EQ(c->readLine(30s), std::optional<std::string>("ready")) << "no test window";
+        return c;
+    }
+
+    // Runs a command line on the test display; true when it succeeded.
+    static bool run(const std::string& command) {
+        return std::system(("DISPLAY=" + server()->display() + " " + command).c_str()) == 0;
+    }
+
+    // Lets the event loop run until `done` holds (twenty seconds at most).
+    template <typename Done> static bool spinUntil(Done done) {
+        for (int i = 0; i < 400 && !done(); ++i) {
+            QCoreApplication::processEvents();
+            QThread::msleep(50);
+        }
+        return done();
+    }
+
+    test::FixtureTree tree;
+    QString language = QStringLiteral("en");
+    std::unique_ptr<X11DesktopSession> session;
+};
+
+TEST_F(X11DesktopSessionTest, WhatCountsAsVisibleAndHowClosingAsks) {
+    const auto normal = client({});
+    const auto minimised = client({"--state", "minimized"});
+    const auto tiny = client({"--size", "300x39"});
+    const auto dock = client({"--type", "dock"});
+    const auto elsewhere = client({"--desktop", "1"});
+
+    const DesktopSnapshot s = session->snapshot();
+    EXPECT_TRUE(s.regularPIDs.contains(normal->pid()) && s.visiblePIDs.contains(normal->pid()));
+    for (const ChildProcess* unseen : {minimised.get(), tiny.get(), dock.get(), elsewhere.get()})
+        EXPECT_FALSE(s.visiblePIDs.contains(unseen->pid())) << "pid " << unseen->pid();
+    // Out of sight is still an ordinary application; a dock is none at all.
+    EXPECT_TRUE(s.regularPIDs.contains(minimised->pid()) &&
+                s.regularPIDs.contains(elsewhere->pid()));
+    EXPECT_FALSE(s.regularPIDs.contains(dock->pid()));
+
+    // Closing goes to that process's windows only, and a process without windows gets nothing.
+    ChildProcess windowless({"sleep", "600"});
+    EXPECT_TRUE(session->requestClose(normal->pid()));
+    EXPECT_EQ(normal->readLine(30s), std::optional<std::string>("closing"));
+    EXPECT_TRUE(normal->waitForExit(30s));
+    EXPECT_FALSE(session->requestClose(windowless.pid()));
+    EXPECT_TRUE(windowless.running() && minimised->running());
+}
+
+// The real focus tracker on the session: it starts with the application in front, and every
+// activation another program makes is recorded and stored.
+TEST_F(X11DesktopSessionTest, ActivationsUpdateTheFocusHistory) {
+    QSettings().remove(QLatin1String(SettingsKeys::focusLastActive));
+    const auto stored = [] {
+        return QSettings().value(QLatin1String(SettingsKeys::focusLastActive)).toMap().keys();
+    };
+    const QString alphaId = QStringLiteral("test.alpha");
+    const QString bravoId = QStringLiteral("test.bravo");
+    const auto alpha = client({"--class", "alpha,AlphaApp"});
+    const auto bravo = client({"--gtk-app-id", "test.bravo", "--class", "bravo,Bravo"});
+    const auto stranger = client({"--class", "stranger,Stranger"}); // no installed entry: no id
+    ASSERT_TRUE(run("xdotool search --classname alpha windowactivate --sync"));
+    ASSERT_TRUE(spinUntil([&] { return session->frontmostAppId() == alphaId; }));
+
+    FocusTracker tracker(session.get());
+    const auto seeded = tracker.lastActiveSeconds(alphaId);
+    ASSERT_TRUE(seeded);
+    ASSERT_TRUE(run("wmctrl -x -a bravo.Bravo"));
+    ASSERT_TRUE(spinUntil([&] { return tracker.lastActiveSeconds(bravoId).has_value(); }));
+    const auto bravoFirst = tracker.lastActiveSeconds(bravoId);
+    EXPECT_EQ(stored(), (QStringList{alphaId, bravoId})); // the seed went along with it
+
+    // A window without an id leaves no trace; coming back to bravo after it is a new activation.
+    ASSERT_TRUE(run("xdotool search --classname stranger windowactivate --sync"));
+    ASSERT_TRUE(spinUntil([&] { return session->snapshot().frontmostPID == stranger->pid(); }));
+    EXPECT_FALSE(session->frontmostAppId());
+    ASSERT_TRUE(run("wmctrl -x -a bravo.Bravo"));
+    ASSERT_TRUE(spinUntil([&] { return tracker.lastActiveSeconds(bravoId) > bravoFirst; }));
+    EXPECT_EQ(stored(), (QStringList{alphaId, bravoId}));
+}
+
+// A real GTK application from the distribution, on a private session bus: its id, its name in
+// both languages, and a close request through the window manager.
+TEST_F(X11DesktopSessionTest, MousepadIsRecognisedAndClosesPolitely) {
+    if (access("/usr/bin/mousepad", X_OK) != 0)
+        GTEST_SKIP() << "mousepad is not installed";
+    ChildProcess mousepad({"dbus-run-session", "--", "mousepad"}, {server()->environment()});
+    qint64 pid = 0;
+    ASSERT_TRUE(spinUntil([&] {
+        for (const qint64 candidate : session->snapshot().regularPIDs) {
+            const auto app = session->application(candidate).value_or(AppRecord{});
+            if (app.appId == QStringLiteral("org.xfce.mousepad"))
+                pid = candidate;
+        }
+        return pid != 0;
+    })) << "no mousepad window appeared";
+    EXPECT_EQ(session->application(pid)->displayName, QStringLiteral("Mousepad"));
+    language = QStringLiteral("ko");
+    EXPECT_EQ(session->application(pid)->displayName, QStringLiteral("마우스패드"));
+
+    EXPECT_TRUE(session->requestClose(pid));
+    EXPECT_TRUE(mousepad.waitForExit(30s)) << "mousepad did not close";
+}
+
+} // namespace
+} // namespace quelmo::linux_platform
