@@ -13,6 +13,7 @@ build_pkgs=(
   qml6-module-qtquick-layouts qml6-module-qtquick-templates qml6-module-qtquick-shapes
   qml6-module-qtqml-workerscript
   libxcb1-dev libxcb-ewmh-dev libxcb-res0-dev libxcb-icccm4-dev
+  libwayland-dev libwayland-bin
   procps ccache
 )
 test_pkgs=(

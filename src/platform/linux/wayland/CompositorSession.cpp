@@ -5,7 +5,9 @@
 #include "platform/linux/apps/CgroupAppId.h"
 #include "platform/linux/common/ProcFiles.h"
 #include "platform/linux/wayland/CompositorRules.h"
+#include "platform/linux/wayland/EntryProcesses.h"
 
+#include <QTimer>
 #include <unistd.h>
 
 namespace quelmo::linux_platform {
@@ -23,8 +25,41 @@ CompositorSession::CompositorSession(std::unique_ptr<CompositorLink> link, Optio
     link_->setFocusHandler([this](const CompositorWindow& window) { onFocus(window); });
 }
 
+const std::vector<CompositorWindow>& CompositorSession::resolvedWindows() {
+    if (resolved_)
+        return *resolved_;
+    std::vector<CompositorWindow> resolved;
+    sharedWindows_.clear();
+    std::optional<std::vector<LaunchedProcess>> running;
+    for (const CompositorWindow& window : link_->windows()) {
+        const auto entryId = window.pid ? std::nullopt : desktopEntryIdOf(window, index_);
+        if (!entryId) {
+            resolved.push_back(window);
+            continue;
+        }
+        if (!processes_)
+            processes_ = std::make_unique<LaunchedProcessReader>(options_.root);
+        if (!running)
+            running = processes_->read();
+        const InstalledApp* app = index_.find(*entryId);
+        const QString program = app ? programOfEntry(app->entry) : window.appId;
+        const QSet<qint64> pids = processesOfEntry(*entryId, program, *running);
+        if (!isOneInstance(pids, *running))
+            sharedWindows_.insert(window.handle);
+        for (const qint64 pid : pids) {
+            resolved.push_back(window);
+            resolved.back().pid = pid;
+        }
+        if (pids.isEmpty())
+            resolved.push_back(window);
+    }
+    resolved_ = std::move(resolved);
+    QTimer::singleShot(0, &passGuard_, [this] { resolved_.reset(); });
+    return *resolved_;
+}
+
 DesktopSnapshot CompositorSession::snapshot() {
-    return summarizeWindows(link_->windows(), options_.ownPid,
+    return summarizeWindows(resolvedWindows(), options_.ownPid,
                             lastFront_ ? lastFront_->pid : std::nullopt);
 }
 
@@ -41,7 +76,7 @@ std::optional<QString> CompositorSession::appIdOf(const CompositorWindow& window
 std::optional<AppRecord> CompositorSession::application(qint64 pid) {
     if (pid <= 0)
         return std::nullopt;
-    for (const CompositorWindow& window : link_->windows()) {
+    for (const CompositorWindow& window : resolvedWindows()) {
         if (window.pid != pid)
             continue;
         if (const auto id = appIdOf(window)) {
@@ -92,9 +127,11 @@ bool CompositorSession::requestClose(qint64 pid) {
     if (pid <= 0)
         return false;
     bool asked = false;
-    const std::vector<CompositorWindow> windows = link_->windows(); // closing may change them
+    resolved_.reset(); // a window opened a moment ago must be asked too
+    const std::vector<CompositorWindow> windows = resolvedWindows(); // closing may change them
     for (const CompositorWindow& window : windows) {
-        if (window.pid == pid)
+        // A window that may be another instance's is left open: the process gets SIGTERM.
+        if (window.pid == pid && !sharedWindows_.contains(window.handle))
             asked = link_->close(window) || asked;
     }
     return asked;

@@ -4,9 +4,32 @@
 #include "platform/linux/common/ProcFiles.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QList>
 
 namespace quelmo::linux_platform {
+namespace {
+
+QString programOf(const QString& root, qint64 pid, const QByteArray& stat) {
+    const QString exe = QFileInfo(procPath(root, pid, "exe")).symLinkTarget();
+    if (!exe.isEmpty())
+        return QFileInfo(exe).fileName();
+    const qsizetype open = stat.indexOf('(');
+    const qsizetype close = stat.lastIndexOf(')');
+    return open >= 0 && close > open ? QString::fromUtf8(stat.mid(open + 1, close - open - 1))
+                                     : QString();
+}
+
+// The last component of the unified hierarchy's path (the unit the process itself is in).
+QString unitOf(const QByteArray& cgroup) {
+    for (const QByteArray& line : cgroup.split('\n')) {
+        if (line.startsWith("0::"))
+            return QString::fromUtf8(line.sliced(line.lastIndexOf('/') + 1).trimmed());
+    }
+    return {};
+}
+
+} // namespace
 
 std::optional<qint64> parseControllingTerminal(const QByteArray& stat) {
     const qsizetype close = stat.lastIndexOf(')');
@@ -48,11 +71,13 @@ std::vector<LaunchedProcess> LaunchedProcessReader::read() {
             known = *remembered;
         } else {
             const auto cgroup = readSmallFile(procPath(root_, pid, "cgroup"));
-            known = Known{startTime, cgroup ? appIdFromCgroup(*cgroup) : std::nullopt};
+            known = Known{startTime, cgroup ? appIdFromCgroup(*cgroup) : std::nullopt,
+                          programOf(root_, pid, *stat), cgroup ? unitOf(*cgroup) : QString()};
         }
         if (startTime != 0)
             stillThere.insert(pid, known);
-        processes.push_back({pid, known.appId, parseControllingTerminal(*stat).value_or(0) != 0});
+        processes.push_back({pid, known.appId, parseControllingTerminal(*stat).value_or(0) != 0,
+                             known.program, known.unit});
     }
     known_ = std::move(stillThere);
     return processes;

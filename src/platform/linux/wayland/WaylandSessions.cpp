@@ -1,6 +1,7 @@
 #include "platform/linux/wayland/WaylandSessions.h"
 
 #include "platform/linux/wayland/CompositorSession.h"
+#include "platform/linux/wayland/ForeignToplevelLink.h"
 #include "platform/linux/wayland/I3IpcLink.h"
 #include "platform/linux/wayland/WaylandFallbackSession.h"
 
@@ -40,6 +41,10 @@ std::unique_ptr<DesktopSession> connectWaylandSession(SessionKind kind, const QS
     std::unique_ptr<CompositorLink> link;
     if (kind == SessionKind::Sway)
         link = I3IpcLink::connect(qEnvironmentVariable("SWAYSOCK"));
+    // GNOME Shell offers an unprivileged client nothing to ask; any wlroots compositor (and
+    // others that took the protocol up) tells its windows through the foreign-toplevel protocol.
+    if (!link && kind != SessionKind::Gnome)
+        link = ForeignToplevelLink::connect();
     if (!link)
         return std::make_unique<WaylandFallbackSession>(std::move(xwayland), root);
     CompositorSession::Options options;

@@ -5,6 +5,7 @@
 #include "platform/linux/wayland/CompositorSession.h"
 
 #include "platform/linux/wayland/CompositorRules.h"
+#include "platform/linux/wayland/EntryProcesses.h"
 #include "platform/linux/wayland/I3IpcProtocol.h"
 #include "support/FixtureTree.h"
 
@@ -126,6 +127,39 @@ TEST(CompositorRules, ApplicationIdsNameTheirDesktopEntries) {
     EXPECT_EQ(id("com.example.Uninstalled"), QStringLiteral("com.example.Uninstalled"));
     EXPECT_EQ(id("XEyes", true), QStringLiteral("none")); // an X11 class names no entry
     EXPECT_EQ(id(""), QStringLiteral("none"));
+}
+
+// For compositors that name no process: the launch unit first, else the entry's program; and
+// several instances of one application cannot be told apart.
+TEST(EntryProcesses, AnEntryStandsForItsLaunchedProcessesElseItsProgram) {
+    const auto entry = [](const char* exec, const char* tryExec = "") {
+        DesktopEntry e;
+        e.values.insert(QStringLiteral("Exec"), QString::fromUtf8(exec));
+        if (*tryExec)
+            e.values.insert(QStringLiteral("TryExec"), QString::fromUtf8(tryExec));
+        return programOfEntry(e);
+    };
+    EXPECT_EQ(entry("mousepad %U"), QStringLiteral("mousepad"));
+    EXPECT_EQ(entry("env GDK_BACKEND=x11 LANG=C /opt/app/bin/tool --new"), QStringLiteral("tool"));
+    EXPECT_EQ(entry("\"/opt/My App/run\" %f"), QStringLiteral("run"));
+    EXPECT_EQ(entry("launcher", "/usr/bin/real"), QStringLiteral("real"));
+    EXPECT_EQ(entry(""), QString());
+
+    const std::vector<LaunchedProcess> running = {
+        {1, QStringLiteral("foot"), false, QStringLiteral("foot"),
+         QStringLiteral("app-foot-1.scope")},
+        {2, QStringLiteral("foot"), true, QStringLiteral("make"),
+         QStringLiteral("app-foot-1.scope")},
+        {3, std::nullopt, false, QStringLiteral("mousepad"), QStringLiteral("session-2.scope")},
+        {4, std::nullopt, false, QStringLiteral("mousepad"), QStringLiteral("session-2.scope")},
+        {5, std::nullopt, false, QStringLiteral("foot"), QStringLiteral("session-2.scope")}};
+    EXPECT_EQ(processesOfEntry("foot", "foot", running), QSet<qint64>{1}); // launched wins
+    EXPECT_EQ(processesOfEntry("org.xfce.mousepad", "mousepad", running), (QSet<qint64>{3, 4}));
+    EXPECT_TRUE(processesOfEntry("gimp", "gimp", running).isEmpty());
+    EXPECT_TRUE(isOneInstance({1}, running));
+    EXPECT_TRUE(isOneInstance({1, 2}, running));  // one launch unit
+    EXPECT_FALSE(isOneInstance({3, 4}, running)); // two programs of the login session
+    EXPECT_FALSE(isOneInstance({1, 5}, running));
 }
 
 // A compositor whose windows, focus changes and close requests the test sets and reads.

@@ -4,6 +4,8 @@
 
 #include "core/metrics/SystemMetrics.h"
 #include "platform/linux/LinuxPlatform.h"
+#include "platform/linux/wayland/CompositorSession.h"
+#include "platform/linux/wayland/ForeignToplevelLink.h"
 #include "platform/linux/wayland/WaylandSessions.h"
 #include "support/FakePlatform.h"
 #include "support/TempSettings.h"
@@ -29,8 +31,11 @@ template <typename Done> bool spinUntil(Done done) {
 bool sway(const QString& command) {
     QProcess swaymsg;
     swaymsg.start(QStringLiteral("swaymsg"), {command});
-    return swaymsg.waitForFinished(5000) && swaymsg.exitStatus() == QProcess::NormalExit &&
-           swaymsg.exitCode() == 0;
+    const bool ok = swaymsg.waitForFinished(5000) && swaymsg.exitStatus() == QProcess::NormalExit &&
+                    swaymsg.exitCode() == 0;
+    if (!ok)
+        ADD_FAILURE() << command.toStdString() << ": " << swaymsg.readAll().toStdString();
+    return ok;
 }
 
 class SwaySessionTest : public ::testing::Test {
@@ -73,11 +78,21 @@ protected:
         ASSERT_EQ(sessionKindOf(QProcessEnvironment::systemEnvironment()), SessionKind::Sway);
         session = connectWaylandSession(SessionKind::Sway, QStringLiteral("/"), nullptr);
         ASSERT_TRUE(session);
-        ASSERT_TRUE(spinUntil([&] {
-            const auto regular = session->snapshot().regularPIDs;
-            return regular.contains(foot->processId()) && regular.contains(mousepad->processId());
-        })) << "the clients' windows never showed";
+        ASSERT_TRUE(clientsShow(*session)) << "the clients' windows never showed";
     }
+
+    // Until every client still running is an ordinary application of `desktop`.
+    static bool clientsShow(DesktopSession& desktop) {
+        return spinUntil([&] {
+            const auto regular = desktop.snapshot().regularPIDs;
+            const std::vector<QProcess*> running = clients();
+            return std::all_of(running.begin(), running.end(), [&](QProcess* client) {
+                return client->state() != QProcess::Running ||
+                       regular.contains(client->processId());
+            });
+        });
+    }
+    static std::vector<QProcess*> clients() { return {foot, mousepad}; }
 
     static inline QProcess* foot = nullptr;
     static inline QProcess* mousepad = nullptr;
@@ -138,6 +153,34 @@ TEST_F(SwaySessionTest, TheApplicationInFrontIsNeverOffered) {
     for (const CleanupCandidate& c : hub.cleanupCandidates())
         offered << c.proc.id;
     EXPECT_EQ(offered, QList<qint64>{999999});
+}
+
+// The same desktop through the foreign-toplevel protocol, which names no processes: they are
+// found through the windows' desktop entries. The editor is closed through the protocol.
+TEST_F(SwaySessionTest, ForeignToplevelsFindTheirProcessesThroughDesktopEntries) {
+    auto link = ForeignToplevelLink::connect();
+    ASSERT_TRUE(link) << "sway offers the foreign-toplevel protocol";
+    CompositorSession toplevels(std::move(link), {});
+    ASSERT_TRUE(clientsShow(toplevels));
+    ASSERT_TRUE(sway(QStringLiteral("[pid=%1] focus").arg(foot->processId())));
+    ASSERT_TRUE(spinUntil([&] { return toplevels.snapshot().frontmostPID == foot->processId(); }));
+    QStringList activated;
+    toplevels.setActivationHandler([&](const QString& id) { activated << id; });
+    for (const QProcess* client : {mousepad, foot})
+        ASSERT_TRUE(sway(QStringLiteral("[pid=%1] focus").arg(client->processId())));
+    ASSERT_TRUE(spinUntil([&] { return activated.size() >= 2; }))
+        << activated.join(u',').toStdString();
+    EXPECT_EQ(activated, (QStringList{"org.xfce.mousepad", "foot"}));
+    const DesktopSnapshot seen = toplevels.snapshot();
+    EXPECT_EQ(seen.frontmostPID, std::optional<qint64>(foot->processId()));
+    EXPECT_TRUE(seen.visiblePIDs.contains(mousepad->processId()));
+    const auto editor = toplevels.application(mousepad->processId());
+    EXPECT_EQ(editor ? editor->appId : QString(), QStringLiteral("org.xfce.mousepad"));
+
+    ASSERT_TRUE(toplevels.requestClose(mousepad->processId()));
+    ASSERT_TRUE(mousepad->waitForFinished(5000));
+    EXPECT_EQ(mousepad->exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(foot->state(), QProcess::Running); // only the editor was asked
 }
 
 // Runs last: the terminal is asked to close through the compositor, and it quits by itself.

@@ -83,6 +83,7 @@ def run(command):
         env.update(PATH=os.environ.get("PATH", "/usr/bin:/bin"), XDG_RUNTIME_DIR=root,
                    HOME=folders["home"], XDG_CONFIG_HOME=folders["config"],
                    XDG_CACHE_HOME=folders["cache"], XDG_DATA_HOME=folders["data"],
+                   DBUS_SESSION_BUS_ADDRESS="disabled:",  # no bus of its own to autolaunch
                    LANG=os.environ.get("LANG", "C.UTF-8"))
         as_user = dict(user=uid, group=gid, extra_groups=[]) if os.geteuid() == 0 else {}
         log = open(os.path.join(root, "sway.log"), "wb")
