@@ -3,9 +3,9 @@
 // not counted as the client's). The thread-time variants count the main thread only; the
 // process-time variant counts every thread, Qt's network thread and the stand-in included.
 
-#include "core/advisor/FakeOllamaServer.h"
 #include "core/advisor/AIAdvisor.h"
 #include "core/advisor/AdvisorTexts.h"
+#include "core/advisor/FakeOllamaServer.h"
 #include "core/advisor/GenVerdict.h"
 #include "core/advisor/OllamaModel.h"
 

@@ -4,8 +4,8 @@
 // /proc is not part of it (bench_metrics measures that).
 
 #include "DesktopBenchEnvironment.h"
-#include "platform/linux/x11/X11DesktopSession.h"
 #include "core/metrics/SystemMetrics.h"
+#include "platform/linux/x11/X11DesktopSession.h"
 
 #include <QCoreApplication>
 #include <QSettings>

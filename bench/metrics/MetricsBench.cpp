@@ -6,12 +6,12 @@
 //
 // Run: build/<dir>/bench/bench_metrics [--benchmark_min_time=2]
 
-#include "platform/linux/LinuxPlatform.h"
 #include "core/metrics/ProcessListText.h"
 #include "core/metrics/ProcessMonitor.h"
+#include "core/metrics/SystemMetrics.h"
+#include "platform/linux/LinuxPlatform.h"
 #include "platform/linux/metrics/ProcessToolRunner.h"
 #include "platform/linux/metrics/ProcfsProcessReader.h"
-#include "core/metrics/SystemMetrics.h"
 
 #include <QCoreApplication>
 #include <QStandardPaths>

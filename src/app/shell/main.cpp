@@ -1,8 +1,8 @@
 #include "app/shell/AppDelegate.h"
 #include "app/shell/GraphicalSession.h"
-#include "platform/linux/LinuxPlatform.h"
 #include "app/shell/LinuxShell.h"
 #include "app/shell/SingleInstance.h"
+#include "platform/linux/LinuxPlatform.h"
 
 #include <QApplication>
 #include <QDBusConnection>

@@ -1,7 +1,7 @@
 #include "app/tray/XEmbedTrayIcon.h"
 
-#include "app/tray/ScissorsIcon.h"
 #include "app/shell/X11Desktop.h"
+#include "app/tray/ScissorsIcon.h"
 
 #include <QCursor>
 #include <QEvent>

@@ -1,9 +1,9 @@
-#include "support/FakePlatform.h"
 #include "core/metrics/CPUMonitor.h"
 #include "core/metrics/ChipInfo.h"
 #include "core/metrics/GPUMonitor.h"
 #include "core/metrics/MemoryMonitor.h"
 #include "core/metrics/PowerMonitor.h"
+#include "support/FakePlatform.h"
 
 #include <QThread>
 #include <gtest/gtest.h>

@@ -2,9 +2,9 @@
 // order of a tick, the process lists, cutting processes, and which processes are offered for it.
 #include "core/metrics/SystemMetrics.h"
 
+#include "core/settings/SettingsKeys.h"
 #include "support/FakePlatform.h"
 #include "support/TempSettings.h"
-#include "core/settings/SettingsKeys.h"
 
 #include <QSettings>
 #include <QTest>

@@ -1,10 +1,10 @@
-#include "support/TempSettings.h"
 #include "core/cleanup/BaselineEngine.h"
 #include "core/cleanup/FocusTracker.h"
 #include "core/metrics/SystemMetrics.h"
 #include "core/settings/LoginItem.h"
 #include "core/settings/Preferences.h"
 #include "core/settings/SettingsKeys.h"
+#include "support/TempSettings.h"
 
 #include <QCoreApplication>
 #include <QDir>

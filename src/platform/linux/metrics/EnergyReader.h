@@ -1,8 +1,8 @@
 #pragma once
 
+#include "core/metrics/sources/SystemSources.h"
 #include "platform/linux/metrics/KernelFile.h"
 #include "platform/linux/metrics/NvmlLibrary.h"
-#include "core/metrics/sources/SystemSources.h"
 
 #include <memory>
 #include <string_view>

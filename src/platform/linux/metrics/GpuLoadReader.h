@@ -1,9 +1,9 @@
 #pragma once
 
+#include "core/metrics/sources/SystemSources.h"
 #include "platform/linux/metrics/IntelGpuPmu.h"
 #include "platform/linux/metrics/KernelFile.h"
 #include "platform/linux/metrics/NvmlLibrary.h"
-#include "core/metrics/sources/SystemSources.h"
 
 #include <memory>
 #include <vector>

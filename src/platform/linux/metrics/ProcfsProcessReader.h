@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/linux/metrics/KernelFile.h"
 #include "core/metrics/sources/SystemSources.h"
+#include "platform/linux/metrics/KernelFile.h"
 
 #include <QHash>
 #include <cstdint>

@@ -1,8 +1,8 @@
 #include "platform/linux/x11/X11DesktopSession.h"
 
+#include "core/settings/AppLang.h"
 #include "platform/linux/common/ProcFiles.h"
 #include "platform/linux/x11/WindowSurvey.h"
-#include "core/settings/AppLang.h"
 
 #include <QTimer>
 #include <poll.h>

@@ -3,9 +3,9 @@
 
 #include "platform/linux/apps/DesktopEntry.h"
 
-#include "support/FixtureTree.h"
 #include "platform/linux/apps/AppIdentity.h"
 #include "platform/linux/apps/DesktopEntryIndex.h"
+#include "support/FixtureTree.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
-#include "support/FixtureTree.h"
 #include "core/metrics/ProcessMonitor.h"
 #include "platform/linux/metrics/ProcfsProcessReader.h"
+#include "support/FixtureTree.h"
 
 #include <gtest/gtest.h>
 #include <map>

@@ -1,12 +1,12 @@
 // The readers on this machine, against the tools an administrator would check them with.
 
+#include "core/metrics/MemoryMonitor.h"
+#include "core/metrics/ProcessListText.h"
+#include "core/metrics/ProcessMonitor.h"
 #include "platform/linux/metrics/ChipFactsReader.h"
 #include "platform/linux/metrics/CpuTicksReader.h"
 #include "platform/linux/metrics/KernelFile.h"
 #include "platform/linux/metrics/MemInfoReader.h"
-#include "core/metrics/MemoryMonitor.h"
-#include "core/metrics/ProcessListText.h"
-#include "core/metrics/ProcessMonitor.h"
 #include "platform/linux/metrics/ProcessToolRunner.h"
 #include "platform/linux/metrics/ProcfsProcessReader.h"
 

@@ -1,13 +1,13 @@
-#include "support/FixtureTree.h"
-#include "platform/linux/metrics/ChipFactsReader.h"
 #include "core/metrics/ChipInfo.h"
-#include "platform/linux/metrics/CpuTicksReader.h"
-#include "platform/linux/metrics/EnergyReader.h"
 #include "core/metrics/GPUMonitor.h"
-#include "platform/linux/metrics/GpuLoadReader.h"
-#include "platform/linux/metrics/MemInfoReader.h"
 #include "core/metrics/MemoryMonitor.h"
 #include "core/metrics/PowerMonitor.h"
+#include "platform/linux/metrics/ChipFactsReader.h"
+#include "platform/linux/metrics/CpuTicksReader.h"
+#include "platform/linux/metrics/EnergyReader.h"
+#include "platform/linux/metrics/GpuLoadReader.h"
+#include "platform/linux/metrics/MemInfoReader.h"
+#include "support/FixtureTree.h"
 
 #include <QThread>
 #include <algorithm>

@@ -1,9 +1,9 @@
 // Terminating real processes through the signaller: the polite signal arrives, an ignored signal
 // is never followed by anything stronger, and a pid that is not the listed process is left alone.
 
-#include "support/x11/ChildProcess.h"
-#include "support/FixtureTree.h"
 #include "platform/linux/system/PidfdSignaller.h"
+#include "support/FixtureTree.h"
+#include "support/x11/ChildProcess.h"
 
 #include <csignal>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 // The thermal state: trip-point margins, throttle counters, and how often the monitor looks.
 
-#include "support/FixtureTree.h"
 #include "platform/linux/system/ThermalState.h"
+#include "support/FixtureTree.h"
 
 #include <gtest/gtest.h>
 

@@ -5,11 +5,11 @@
 
 #include "platform/linux/x11/X11DesktopSession.h"
 
-#include "support/x11/ChildProcess.h"
-#include "support/FixtureTree.h"
-#include "support/x11/XTestServer.h"
 #include "core/cleanup/FocusTracker.h"
 #include "core/settings/SettingsKeys.h"
+#include "support/FixtureTree.h"
+#include "support/x11/ChildProcess.h"
+#include "support/x11/XTestServer.h"
 
 #include <QCoreApplication>
 #include <QSettings>
