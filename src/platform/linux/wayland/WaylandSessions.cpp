@@ -2,6 +2,8 @@
 
 #include "platform/linux/wayland/CompositorSession.h"
 #include "platform/linux/wayland/ForeignToplevelLink.h"
+#include "platform/linux/wayland/HyprlandLink.h"
+#include "platform/linux/wayland/HyprlandProtocol.h"
 #include "platform/linux/wayland/I3IpcLink.h"
 #include "platform/linux/wayland/WaylandFallbackSession.h"
 
@@ -41,6 +43,10 @@ std::unique_ptr<DesktopSession> connectWaylandSession(SessionKind kind, const QS
     std::unique_ptr<CompositorLink> link;
     if (kind == SessionKind::Sway)
         link = I3IpcLink::connect(qEnvironmentVariable("SWAYSOCK"));
+    if (kind == SessionKind::Hyprland)
+        link = HyprlandLink::connect(
+            hyprland::socketFolder(qEnvironmentVariable("XDG_RUNTIME_DIR"),
+                                   qEnvironmentVariable("HYPRLAND_INSTANCE_SIGNATURE")));
     // GNOME Shell offers an unprivileged client nothing to ask; any wlroots compositor (and
     // others that took the protocol up) tells its windows through the foreign-toplevel protocol.
     if (!link && kind != SessionKind::Gnome)

@@ -8,6 +8,8 @@ target_sources(quelmo_platform_linux PRIVATE
   wayland/EntryProcesses.h wayland/EntryProcesses.cpp
   wayland/I3IpcProtocol.h wayland/I3IpcProtocol.cpp
   wayland/I3IpcLink.h wayland/I3IpcLink.cpp
+  wayland/HyprlandProtocol.h wayland/HyprlandProtocol.cpp
+  wayland/HyprlandLink.h wayland/HyprlandLink.cpp
 )
 
 # The wlroots foreign-toplevel protocol, its client code generated from the protocol's XML.
