@@ -5,6 +5,7 @@
 #include "platform/linux/wayland/HyprlandLink.h"
 #include "platform/linux/wayland/HyprlandProtocol.h"
 #include "platform/linux/wayland/I3IpcLink.h"
+#include "platform/linux/wayland/KWinScriptLink.h"
 #include "platform/linux/wayland/WaylandFallbackSession.h"
 
 namespace quelmo::linux_platform {
@@ -47,6 +48,8 @@ std::unique_ptr<DesktopSession> connectWaylandSession(SessionKind kind, const QS
         link = HyprlandLink::connect(
             hyprland::socketFolder(qEnvironmentVariable("XDG_RUNTIME_DIR"),
                                    qEnvironmentVariable("HYPRLAND_INSTANCE_SIGNATURE")));
+    if (kind == SessionKind::Plasma)
+        link = KWinScriptLink::connect();
     // GNOME Shell offers an unprivileged client nothing to ask; any wlroots compositor (and
     // others that took the protocol up) tells its windows through the foreign-toplevel protocol.
     if (!link && kind != SessionKind::Gnome)

@@ -10,6 +10,8 @@ target_sources(quelmo_platform_linux PRIVATE
   wayland/I3IpcLink.h wayland/I3IpcLink.cpp
   wayland/HyprlandProtocol.h wayland/HyprlandProtocol.cpp
   wayland/HyprlandLink.h wayland/HyprlandLink.cpp
+  wayland/KWinScript.h wayland/KWinScript.cpp
+  wayland/KWinScriptLink.h wayland/KWinScriptLink.cpp
 )
 
 # The wlroots foreign-toplevel protocol, its client code generated from the protocol's XML.
@@ -35,4 +37,4 @@ target_include_directories(quelmo_wayland_protocols PUBLIC ${protocol_dir})
 target_link_libraries(quelmo_wayland_protocols PUBLIC PkgConfig::WAYLAND_CLIENT)
 target_sources(quelmo_platform_linux PRIVATE
   wayland/ForeignToplevelLink.h wayland/ForeignToplevelLink.cpp)
-target_link_libraries(quelmo_platform_linux PRIVATE quelmo_wayland_protocols)
+target_link_libraries(quelmo_platform_linux PRIVATE quelmo_wayland_protocols Qt6::DBus)
