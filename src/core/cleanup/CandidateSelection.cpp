@@ -82,6 +82,10 @@ SystemMetrics::computeCleanupCandidates(const std::vector<ProcInfo>& procs) cons
             continue;
         if (cuttingPIDs_.contains(p.id) || isProtectedProcessName(p.name))
             continue;
+        // An application whose windows cannot be seen counts as a windowed application with no
+        // usage history, and such an application is left alone.
+        if (desktop.unseenAppPIDs.contains(p.id))
+            continue;
 
         const bool isRegular = desktop.regularPIDs.contains(p.id);
         const bool hasWindow = desktop.visiblePIDs.contains(p.id);

@@ -1,7 +1,8 @@
 #pragma once
 
 // What the cleanup rules need to know about the user's desktop, and the means to close a
-// process politely. Implemented over X11/EWMH under platform/linux; faked in tests.
+// process politely. Implemented over X11/EWMH and Wayland compositors under platform/linux;
+// faked in tests.
 
 #include <QSet>
 #include <QString>
@@ -16,6 +17,9 @@ struct DesktopSnapshot {
     QSet<qint64> regularPIDs;           // processes owning a taskbar (ordinary) application window
     std::optional<qint64> frontmostPID; // the process of the active window
     QSet<qint64> visiblePIDs;           // processes owning a visible window on the current desktop
+    // Processes of launched applications whose windows this session cannot see (a Wayland
+    // compositor that tells nothing about them). Any of them may be in use right now.
+    QSet<qint64> unseenAppPIDs;
 };
 
 // An application's identity: its desktop-entry id and its display name in the current language.

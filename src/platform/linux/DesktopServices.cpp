@@ -2,6 +2,7 @@
 
 #include "platform/linux/system/LinuxSystemInfo.h"
 #include "platform/linux/system/PidfdSignaller.h"
+#include "platform/linux/wayland/WaylandSessions.h"
 #include "platform/linux/x11/X11DesktopSession.h"
 
 namespace quelmo::linux_platform {
@@ -18,7 +19,12 @@ void addDesktopServices(Platform& platform, const QString& root) {
         return;
     X11DesktopSession::Options options;
     options.root = root;
-    platform.desktop = X11DesktopSession::connect(std::move(options));
+    std::unique_ptr<DesktopSession> x11 = X11DesktopSession::connect(std::move(options));
+    // In a Wayland session the X server only shows XWayland's windows: the compositor tells the
+    // rest, or, where it cannot, launched applications are left alone.
+    const SessionKind kind = sessionKindOf(QProcessEnvironment::systemEnvironment());
+    platform.desktop = kind == SessionKind::X11 ? std::move(x11)
+                                                : connectWaylandSession(kind, root, std::move(x11));
 }
 
 } // namespace quelmo::linux_platform

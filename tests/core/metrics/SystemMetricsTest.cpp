@@ -249,6 +249,19 @@ TEST(CandidateSelectionTest, NothingTheUserMayBeUsingIsOffered) {
     }
 }
 
+// A desktop that cannot show an application's windows: that application is left alone whatever
+// it uses and however long ago it was last seen in front; other processes are judged as usual.
+TEST(CandidateSelectionTest, ApplicationsWhoseWindowsCannotBeSeenAreNeverOffered) {
+    Session session(1, {App{20, 500}, App{21, 500}});
+    session.system->nominal = false;
+    session.desktop->desktop.unseenAppPIDs = {20, 22};
+    const double hog = 3 * GiB;
+    EXPECT_EQ(
+        session.select({proc(20, "idle-native", 0, 200 * MiB), proc(21, "idle-x", 0, 200 * MiB),
+                        proc(22, "native-hog", 0, hog), proc(23, "cli-hog", 0, hog)}),
+        QList<qint64>({23, 21}));
+}
+
 // At s = 0.5, T = 32.5 minutes; with a window, 3 T = 97.5. Pid 30 is just inside every limit.
 TEST(CandidateSelectionTest, IdleAppsNeedTimeMemoryAQuietCPUAndNoRecentWindow) {
     Session session(0.5, {App{30, 33}, App{31, 32}, App{32, 97, true}, App{33, 98, true},

@@ -9,10 +9,12 @@
 namespace quelmo::linux_platform {
 namespace {
 
-// Keys worth keeping from each entry: the name in every language and the window class.
+// Keys worth keeping from each entry: the name in every language, the window class and the
+// program it starts.
 bool keepKey(const QString& key) {
     return key == QLatin1String("Name") || key.startsWith(QLatin1String("Name[")) ||
-           key == QLatin1String("StartupWMClass");
+           key == QLatin1String("StartupWMClass") || key == QLatin1String("Exec") ||
+           key == QLatin1String("TryExec");
 }
 
 QString lastDottedPart(const QString& id) {

@@ -1,0 +1,125 @@
+#!/usr/bin/env python3
+# A private, headless sway session (the wlroots headless backend, the pixman renderer, XWayland
+# on) for tests that need a real Wayland compositor. sway refuses to run as root, so as root the
+# session and the command run as an unprivileged user made for the purpose ("quelmo-wayland",
+# created on first use); any other user runs them as itself. Everything lives in a temporary
+# runtime folder, and every process started here is ended when the session stops.
+#
+#     sway_session.py -- COMMAND [ARG...]
+#
+# runs COMMAND inside the session, with WAYLAND_DISPLAY, SWAYSOCK, DISPLAY (XWayland) and a
+# private XDG_RUNTIME_DIR and HOME, and returns its exit status. Exit status 77 says that the
+# session could not be had here (no sway, no XWayland, no user to run it as): the test is skipped.
+
+import ctypes
+import glob
+import os
+import pwd
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "..", "desktop"))
+from desktop_session import PR_SET_CHILD_SUBREAPER, end_descendants  # noqa: E402
+
+SKIP = 77
+USER = "quelmo-wayland"
+PASSED_ON = ("QUELMO_", "ASAN_", "UBSAN_", "LSAN_", "GTEST_", "LANG", "LC_ALL")
+
+
+class Unavailable(Exception):
+    pass
+
+
+def session_user():
+    # (uid, gid, home) to run the session as: ourselves unless we are root.
+    if os.geteuid() != 0:
+        me = pwd.getpwuid(os.geteuid())
+        return me.pw_uid, me.pw_gid
+    try:
+        entry = pwd.getpwnam(USER)
+    except KeyError:
+        made = subprocess.run(["useradd", "--system", "--no-create-home", "--home-dir", "/nonexistent",
+                               "--shell", "/usr/sbin/nologin", USER], capture_output=True)
+        if made.returncode not in (0, 9):  # 9: made meanwhile by another run
+            raise Unavailable(f"cannot create the user {USER}: {made.stderr.decode().strip()}")
+        entry = pwd.getpwnam(USER)
+    return entry.pw_uid, entry.pw_gid
+
+
+def wait_for(predicate, timeout, what, process):
+    deadline = time.monotonic() + timeout
+    while not (value := predicate()):
+        if process.poll() is not None:
+            raise Unavailable(f"sway ended before {what} (status {process.returncode})")
+        if time.monotonic() >= deadline:
+            raise Unavailable(f"timed out after {timeout} s waiting for {what}")
+        time.sleep(0.02)
+    return value
+
+
+def run(command):
+    for tool in ("sway", "Xwayland"):
+        if not shutil.which(tool):
+            raise Unavailable(f"{tool} is not installed (scripts/install-deps.sh test)")
+    uid, gid = session_user()
+    ctypes.CDLL(None).prctl(PR_SET_CHILD_SUBREAPER, 1, 0, 0, 0)
+    root = tempfile.mkdtemp(prefix="quelmo-sway-")
+    try:
+        folders = {n: os.path.join(root, n) for n in ("home", "config", "cache", "data")}
+        for folder in folders.values():
+            os.mkdir(folder, 0o700)
+        with open(os.path.join(root, "sway.conf"), "w") as f:
+            f.write("xwayland enable\n"
+                    f"exec printenv DISPLAY > {root}/display.tmp && mv {root}/display.tmp {root}/display\n")
+        for path in [root, *folders.values(), os.path.join(root, "sway.conf")]:
+            os.chown(path, uid, gid)
+        os.chmod(root, 0o700)
+
+        env = {k: v for k, v in os.environ.items() if k.startswith(PASSED_ON)}
+        env.update(PATH=os.environ.get("PATH", "/usr/bin:/bin"), XDG_RUNTIME_DIR=root,
+                   HOME=folders["home"], XDG_CONFIG_HOME=folders["config"],
+                   XDG_CACHE_HOME=folders["cache"], XDG_DATA_HOME=folders["data"],
+                   DBUS_SESSION_BUS_ADDRESS="disabled:",  # no bus of its own to autolaunch
+                   LANG=os.environ.get("LANG", "C.UTF-8"))
+        as_user = dict(user=uid, group=gid, extra_groups=[]) if os.geteuid() == 0 else {}
+        log = open(os.path.join(root, "sway.log"), "wb")
+        sway = subprocess.Popen(["sway", "--config", os.path.join(root, "sway.conf")], cwd=root,
+                                env={**env, "WLR_BACKENDS": "headless", "WLR_RENDERER": "pixman",
+                                     "WLR_LIBINPUT_NO_DEVICES": "1"},
+                                stdout=log, stderr=log, start_new_session=True, **as_user)
+        socket = wait_for(lambda: glob.glob(os.path.join(root, "sway-ipc.*.sock")), 10,
+                          "its IPC socket", sway)[0]
+        display = wait_for(lambda: os.path.exists(os.path.join(root, "display")), 10,
+                           "XWayland", sway) and open(os.path.join(root, "display")).read().strip()
+        if not display:
+            raise Unavailable("sway started without XWayland")
+        wayland = wait_for(lambda: [os.path.basename(p) for p in glob.glob(os.path.join(root, "wayland-*"))
+                                    if not p.endswith(".lock")], 10, "its Wayland socket", sway)[0]
+        env.update(WAYLAND_DISPLAY=wayland, SWAYSOCK=socket, DISPLAY=display,
+                   XDG_SESSION_TYPE="wayland", XDG_CURRENT_DESKTOP="sway")
+        status = subprocess.Popen(command, env=env, cwd=root, **as_user).wait()
+        if status != 0:
+            log.flush()
+            with open(os.path.join(root, "sway.log"), "rb") as f:
+                sys.stderr.write("--- sway log (last lines) ---\n" +
+                                 b"\n".join(f.read().splitlines()[-15:]).decode(errors="replace") + "\n")
+        return status
+    finally:
+        end_descendants()
+        shutil.rmtree(root, ignore_errors=True)
+
+
+if __name__ == "__main__":
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit(143))
+    command = sys.argv[2:] if sys.argv[1:2] == ["--"] else sys.argv[1:]
+    if not command:
+        sys.exit("usage: sway_session.py -- COMMAND [ARG...]")
+    try:
+        sys.exit(run(command))
+    except Unavailable as reason:
+        print(f"SKIPPED: no sway session here: {reason}", file=sys.stderr)
+        sys.exit(SKIP)
