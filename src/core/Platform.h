@@ -15,6 +15,7 @@
 #include "core/metrics/sources/MemorySource.h"
 #include "core/metrics/sources/ProcessSource.h"
 
+#include <functional>
 #include <memory>
 
 namespace quelmo {
@@ -31,6 +32,10 @@ struct Platform {
     std::unique_ptr<ProcessSignaller> signaller;
     std::unique_ptr<LanguageModel> model; // the local language model; none: the advisor is off
     PowerMonitor::Clock clock = PowerMonitor::monotonicSeconds; // seconds, monotonic
+    // Runs `task` once, `delayMs` from now, on this thread. Unset: a timer of this thread's
+    // event loop. Tests run the task when they choose.
+    using Later = std::function<void(int delayMs, std::function<void()> task)>;
+    Later later;
 };
 
 } // namespace quelmo

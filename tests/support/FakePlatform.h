@@ -5,7 +5,11 @@
 #include "core/Platform.h"
 #include "core/metrics/ProcInfo.h"
 
+#include <QHash>
+#include <QList>
+#include <QSet>
 #include <deque>
+#include <functional>
 #include <utility>
 
 namespace quelmo::test {
@@ -62,6 +66,54 @@ struct FixedProcesses : ProcessSource {
                         .arg(QString::number(p.cpu, 'g', 17),
                              QString::number(p.rss / 1024.0, 'g', 17), p.user, p.name);
         return text.toUtf8();
+    }
+};
+
+// A desktop whose snapshot and applications the test sets; it records every close request.
+struct FakeDesktop : DesktopSession {
+    DesktopSnapshot desktop;
+    QHash<qint64, AppRecord> apps;
+    QSet<qint64> withWindows; // processes that have windows to close
+    QList<qint64> closeRequests;
+
+    DesktopSnapshot snapshot() override { return desktop; }
+    std::optional<AppRecord> application(qint64 pid) override {
+        return apps.contains(pid) ? std::optional(apps.value(pid)) : std::nullopt;
+    }
+    std::optional<QString> frontmostAppId() override { return std::nullopt; }
+    void setActivationHandler(std::function<void(const QString&)>) override {}
+    bool requestClose(qint64 pid) override {
+        closeRequests << pid;
+        return withWindows.contains(pid);
+    }
+};
+
+struct FakeSystem : SystemInfo {
+    bool nominal = true;
+    QString userName() override { return QStringLiteral("alice"); }
+    qint64 ownPid() override { return 4242; }
+    bool thermalNominal() override { return nominal; }
+};
+
+// A handle opens only for a running pid with the very start time asked for.
+struct FakeSignaller : ProcessSignaller {
+    QHash<qint64, std::uint64_t> running; // pid -> start time
+    QSet<qint64> ignoresSignals;
+    QList<qint64> signalled;
+
+    struct Handle : ProcessHandle {
+        std::function<bool()> send;
+        bool sendTerminate() override { return send(); }
+    };
+    std::unique_ptr<ProcessHandle> open(qint64 pid, std::uint64_t startTime) override {
+        if (!running.contains(pid) || running.value(pid) != startTime)
+            return nullptr;
+        auto handle = std::make_unique<Handle>();
+        handle->send = [this, pid] {
+            signalled << pid;
+            return !ignoresSignals.contains(pid);
+        };
+        return handle;
     }
 };
 

@@ -1,6 +1,5 @@
-// The hub's model queue: one evaluation in flight for the whole program, verdicts cached by
-// candidate key until the language changes.
-#include "core/metrics/SystemMetrics.h"
+#include "core/advisor/EvaluationQueue.h"
+
 #include "core/settings/AppLang.h"
 
 #include <algorithm>
@@ -9,13 +8,11 @@ namespace quelmo {
 
 namespace {
 
-constexpr double bytesToMebibytes = 9.5367431640625e-7; // 2^-20
-
 AIQueueEntry queueEntry(const CleanupCandidate& candidate) {
     AIQueueEntry entry;
     entry.name = candidate.key();
     entry.cpu = candidate.proc.cpu;
-    entry.rssMB = candidate.proc.rss * bytesToMebibytes;
+    entry.rssMB = candidate.proc.rssMB();
     entry.reason = label(candidate.reason); // in the language of this moment
     entry.idle = candidate.idleMinutes;
     entry.hasWindow = candidate.hasWindow;
@@ -24,53 +21,64 @@ AIQueueEntry queueEntry(const CleanupCandidate& candidate) {
 
 } // namespace
 
-void SystemMetrics::queueAIEvaluations() {
-    if (!advisor_->status().available)
+EvaluationQueue::EvaluationQueue(AIAdvisor& advisor, std::function<void()> verdictsChanged)
+    : advisor_(advisor), verdictsChanged_(std::move(verdictsChanged)) {}
+
+void EvaluationQueue::queueCandidates(const QList<CleanupCandidate>& candidates) {
+    if (!advisor_.status().available)
         return;
-    for (const CleanupCandidate& candidate : std::as_const(cleanupCandidates_)) {
+    for (const CleanupCandidate& candidate : candidates) {
         const QString key = candidate.key();
-        if (aiVerdicts_.contains(key))
+        if (verdicts_.contains(key))
             continue;
-        if (std::any_of(aiQueue_.cbegin(), aiQueue_.cend(),
+        if (std::any_of(entries_.cbegin(), entries_.cend(),
                         [&](const AIQueueEntry& queued) { return queued.name == key; }))
             continue;
-        aiQueue_.append(queueEntry(candidate));
+        entries_.append(queueEntry(candidate));
     }
-    pumpAI();
+    pump();
 }
 
-void SystemMetrics::pumpAI() {
-    if (!advisor_->status().available)
+void EvaluationQueue::pump() {
+    if (!advisor_.status().available)
         return;
-    if (aiBusy_)
+    if (busy_)
         return;
-    if (aiQueue_.isEmpty())
+    if (entries_.isEmpty())
         return;
-    aiBusy_ = true;
-    const AIQueueEntry entry = aiQueue_.takeFirst();
+    busy_ = true;
+    const AIQueueEntry entry = entries_.takeFirst();
 
     // The language is the one in effect as the evaluation starts. The answer comes back through
-    // the event loop on this thread; the advisor is the hub's child, so if the hub is gone by
-    // then, so is the request, and nothing here runs.
+    // the event loop on this thread.
     const bool korean = AppLang::effective() == QLatin1String("ko");
-    advisor_->evaluate(entry, korean, [this, name = entry.name](std::optional<AIVerdict> verdict) {
+    std::weak_ptr<EvaluationQueue*> self = self_;
+    advisor_.evaluate(entry, korean, [self, name = entry.name](std::optional<AIVerdict> verdict) {
+        const std::shared_ptr<EvaluationQueue*> alive = self.lock();
+        if (!alive)
+            return;
+        EvaluationQueue& queue = **alive;
         if (verdict) {
-            AIVerdictMap verdicts = aiVerdicts_;
+            AIVerdictMap verdicts = queue.verdicts_;
             verdicts.insert(name, *verdict);
-            setAIVerdicts(std::move(verdicts));
+            queue.setVerdicts(std::move(verdicts));
         }
-        aiBusy_ = false;
-        pumpAI();
+        queue.busy_ = false;
+        queue.pump();
     });
 }
 
-void SystemMetrics::reevaluateAI() {
+void EvaluationQueue::clear() {
     // An evaluation already running is left to finish: its verdict, in the old language, lands
     // in the emptied cache and is replaced once its key has been asked again.
-    setAIVerdicts({});
-    aiQueue_.clear();
-    if (pollProcesses_)
-        queueAIEvaluations();
+    setVerdicts({});
+    entries_.clear();
+}
+
+void EvaluationQueue::setVerdicts(AIVerdictMap verdicts) {
+    verdicts_ = std::move(verdicts);
+    if (verdictsChanged_)
+        verdictsChanged_();
 }
 
 } // namespace quelmo

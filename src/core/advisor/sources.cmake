@@ -8,5 +8,5 @@ target_sources(quelmo_core PRIVATE
   advisor/LocalRuntime.h advisor/LocalRuntime.cpp
   advisor/OllamaModel.h advisor/OllamaModel.cpp
   advisor/AIAdvisor.h advisor/AIAdvisor.cpp
-  advisor/EvaluationQueue.cpp
+  advisor/EvaluationQueue.h advisor/EvaluationQueue.cpp
 )

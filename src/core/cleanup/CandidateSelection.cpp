@@ -1,10 +1,8 @@
-// The hub's cleanup side: which processes to offer, and terminating the ones the user cuts.
-#include "core/Ranking.h"
-#include "core/cleanup/FocusTracker.h"
-#include "core/cleanup/ProtectedNames.h"
-#include "core/metrics/SystemMetrics.h"
+#include "core/cleanup/CandidateSelection.h"
 
-#include <QTimer>
+#include "core/Ranking.h"
+#include "core/cleanup/ProtectedNames.h"
+
 #include <algorithm>
 
 namespace quelmo {
@@ -18,7 +16,6 @@ constexpr double strainWatts = 14.0;
 constexpr double idleAppMinSensitivity = 0.4;
 constexpr double unknownIdleMinutes = 9999.0; // where hogs without an idle time sort
 constexpr qsizetype maxCandidates = 6;
-constexpr int cuttingHoldMs = 1600;
 
 // Minutes an application must sit unused to be offered as idle.
 double idleThreshold(double s) {
@@ -52,35 +49,30 @@ QList<CleanupCandidate> ordered(QList<CleanupCandidate> offered) {
 
 } // namespace
 
-QList<CleanupCandidate>
-SystemMetrics::computeCleanupCandidates(const std::vector<ProcInfo>& procs) const {
-    // Without knowing whose session this is, nothing can be told apart from the user's own use.
-    if (procs.empty() || !system_)
+QList<CleanupCandidate> selectCleanupCandidates(const std::vector<ProcInfo>& procs,
+                                                const SelectionInputs& in) {
+    if (procs.empty())
         return {};
-
-    const QString userName = system_->userName();
-    const qint64 ownPid = system_->ownPid();
-    const DesktopSnapshot desktop = desktop_ ? desktop_->snapshot() : DesktopSnapshot{};
-    const double s = sensitivity_;
+    const double s = in.sensitivity;
     const double idleT = idleThreshold(s);
     const double recentR = recentThreshold(idleT);
-    const double now = FocusTracker::nowSeconds();
+    const DesktopSnapshot& desktop = in.desktop;
 
-    // The thermal state is read at most once per selection, and only when a row gets that far.
     std::optional<bool> thermalNominal;
     const auto underStrain = [&] {
         if (!thermalNominal)
-            thermalNominal = system_->thermalNominal();
-        return !*thermalNominal || cpuTotal_ >= strainCPUTotal || totalWatts_ >= strainWatts;
+            thermalNominal = in.strain.thermalNominal ? in.strain.thermalNominal() : true;
+        return !*thermalNominal || in.strain.cpuTotal >= strainCPUTotal ||
+               in.strain.totalWatts >= strainWatts;
     };
 
     QList<CleanupCandidate> offered;
     for (const ProcInfo& p : procs) {
-        if (p.user != userName || p.id == ownPid)
+        if (p.user != in.userName || p.id == in.ownPid)
             continue;
         if (desktop.frontmostPID && p.id == *desktop.frontmostPID)
             continue;
-        if (cuttingPIDs_.contains(p.id) || isProtectedProcessName(p.name))
+        if (in.cuttingPIDs.contains(p.id) || isProtectedProcessName(p.name))
             continue;
         // An application whose windows cannot be seen counts as a windowed application with no
         // usage history, and such an application is left alone.
@@ -93,9 +85,12 @@ SystemMetrics::computeCleanupCandidates(const std::vector<ProcInfo>& procs) cons
         std::optional<QString> displayName;
 
         if (isRegular) {
-            const std::optional<AppRecord> app = desktop_->application(p.id);
+            const std::optional<AppRecord> app =
+                in.application ? in.application(p.id) : std::nullopt;
             const std::optional<double> lastActive =
-                app && !app->appId.isEmpty() ? focus_.lastActiveSeconds(app->appId) : std::nullopt;
+                app && !app->appId.isEmpty() && in.lastActiveSeconds
+                    ? in.lastActiveSeconds(app->appId)
+                    : std::nullopt;
             if (app)
                 displayName = app->displayName;
             if (!lastActive) {
@@ -103,14 +98,14 @@ SystemMetrics::computeCleanupCandidates(const std::vector<ProcInfo>& procs) cons
                 if (hasWindow)
                     continue;
             } else {
-                const double minutes = (now - *lastActive) / 60.0;
+                const double minutes = (in.nowSeconds - *lastActive) / 60.0;
                 if (minutes < recentR || (hasWindow && minutes < idleT))
                     continue;
                 idleMinutes = minutes;
             }
         }
 
-        if (const auto resource = baseline_.reason(p)) {
+        if (const auto resource = in.resourceReason ? in.resourceReason(p) : std::nullopt) {
             offered.append(CleanupCandidate{p, *resource, std::nullopt, false, std::nullopt});
             continue;
         }
@@ -124,39 +119,6 @@ SystemMetrics::computeCleanupCandidates(const std::vector<ProcInfo>& procs) cons
             CleanupCandidate{p, CleanupReason::idleApp, idleMinutes, hasWindow, displayName});
     }
     return ordered(std::move(offered));
-}
-
-int SystemMetrics::terminate(const QList<qint64>& pids) {
-    int count = 0;
-    for (const qint64 pid : pids) {
-        // The handle pins the very process that was listed; a pid that has since gone, or been
-        // reused by another process, is not touched.
-        const std::optional<std::uint64_t> startTime = procMon_.startTimeOf(pid);
-        std::unique_ptr<ProcessHandle> handle =
-            startTime && signaller_ ? signaller_->open(pid, *startTime) : nullptr;
-        if (!handle)
-            continue;
-        // An application with windows is asked to close them, as if the user did (it may ask to
-        // save first); anything else, or an application that could not be asked, gets SIGTERM.
-        // Nothing stronger is ever sent.
-        if ((desktop_ && desktop_->requestClose(pid)) || handle->sendTerminate())
-            ++count;
-    }
-
-    for (const qint64 pid : pids)
-        cuttingPIDs_.insert(pid);
-    refreshProcesses();
-
-    // The rows stay hidden while the processes wind down. If the popover has closed by then, they
-    // stay hidden: nothing is refreshed while it is closed.
-    QTimer::singleShot(cuttingHoldMs, this, [this, pids] {
-        if (!pollProcesses_)
-            return;
-        for (const qint64 pid : pids)
-            cuttingPIDs_.remove(pid);
-        refreshProcesses();
-    });
-    return count;
 }
 
 } // namespace quelmo

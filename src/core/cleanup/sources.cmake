@@ -4,5 +4,6 @@ target_sources(quelmo_core PRIVATE
   cleanup/BaselineEngine.h cleanup/BaselineEngine.cpp
   cleanup/FocusTracker.h cleanup/FocusTracker.cpp
   cleanup/ProtectedNames.h cleanup/ProtectedNames.cpp
-  cleanup/CandidateSelection.cpp
+  cleanup/CandidateSelection.h cleanup/CandidateSelection.cpp
+  cleanup/Termination.h cleanup/Termination.cpp
 )

@@ -2,17 +2,22 @@
 
 #include "core/Ranking.h"
 #include "core/advisor/NoLanguageModel.h"
+#include "core/cleanup/CandidateSelection.h"
+#include "core/cleanup/Termination.h"
 #include "core/metrics/ChipInfo.h"
 #include "core/settings/SettingsKeys.h"
 
 #include <QPointer>
 #include <QSettings>
+#include <QTimer>
 #include <algorithm>
 #include <cmath>
 
 namespace quelmo {
 
 namespace {
+
+constexpr int cuttingHoldMs = 1600;
 
 MemoryMonitor makeMemoryMonitor(std::unique_ptr<MemorySource> source) {
     const double total = source ? source->physicalBytes() : 0.0;
@@ -35,15 +40,17 @@ SystemMetrics::SystemMetrics(Platform platform, QObject* parent)
       mem_(makeMemoryMonitor(std::move(platform.memory))), gpuMon_(std::move(platform.gpu)),
       power_(std::move(platform.energy), std::move(platform.clock)),
       procMon_(std::move(platform.processes)),
-      baseline_(QString::fromLatin1(SettingsKeys::baselines)), focus_(desktop_.get()) {
+      baseline_(QString::fromLatin1(SettingsKeys::baselines)),
+      advisor_(std::make_unique<AIAdvisor>(platform.model ? std::move(platform.model)
+                                                          : std::make_unique<NoLanguageModel>())),
+      queue_(*advisor_, [this] { emit aiVerdictsChanged(); }), focus_(desktop_.get()),
+      later_(std::move(platform.later)) {
     const ChipFacts chip = platform.chip ? platform.chip->readChipFacts() : ChipFacts{};
     // The name shown for a processor that names itself nowhere (no model name, no board model).
     chipName_ = chip.name.isEmpty() ? QStringLiteral("Apple Silicon") : chip.name;
     coreSummary_ = ChipInfo::coreSummary(chip);
     memoryGB_ = mem_.total() * (1.0 / 1073741824.0);
 
-    advisor_ = new AIAdvisor(
-        platform.model ? std::move(platform.model) : std::make_unique<NoLanguageModel>(), this);
     aiStatus_ = advisor_->status();
 
     // A stored value that is not a finite number is ignored and left as it is.
@@ -134,8 +141,65 @@ void SystemMetrics::setCleanupCandidates(QList<CleanupCandidate> candidates) {
     publish(cleanupCandidates_, std::move(candidates), &SystemMetrics::cleanupCandidatesChanged);
 }
 
-void SystemMetrics::setAIVerdicts(AIVerdictMap verdicts) {
-    publish(aiVerdicts_, std::move(verdicts), &SystemMetrics::aiVerdictsChanged);
+QList<CleanupCandidate>
+SystemMetrics::computeCleanupCandidates(const std::vector<ProcInfo>& procs) const {
+    // Without knowing whose session this is, nothing can be told apart from the user's own use.
+    if (procs.empty() || !system_)
+        return {};
+    SelectionInputs inputs;
+    inputs.userName = system_->userName();
+    inputs.ownPid = system_->ownPid();
+    if (desktop_) {
+        inputs.desktop = desktop_->snapshot();
+        inputs.application = [this](qint64 pid) { return desktop_->application(pid); };
+    }
+    inputs.lastActiveSeconds = [this](const QString& appId) {
+        return focus_.lastActiveSeconds(appId);
+    };
+    inputs.resourceReason = [this](const ProcInfo& p) { return baseline_.reason(p); };
+    inputs.strain = {cpuTotal_, totalWatts_, [this] { return system_->thermalNominal(); }};
+    inputs.cuttingPIDs = cuttingPIDs_;
+    inputs.sensitivity = sensitivity_;
+    inputs.nowSeconds = FocusTracker::nowSeconds();
+    return selectCleanupCandidates(procs, inputs);
+}
+
+int SystemMetrics::terminate(const QList<qint64>& pids) {
+    const int count =
+        requestTermination(pids, {desktop_.get(), signaller_.get(),
+                                  [this](qint64 pid) { return procMon_.startTimeOf(pid); }});
+    for (const qint64 pid : pids)
+        cuttingPIDs_.insert(pid);
+    refreshProcesses();
+
+    // The rows stay hidden while the processes wind down. If the popover has closed by then, they
+    // stay hidden: nothing is refreshed while it is closed.
+    auto endHold = [hub = QPointer<SystemMetrics>(this), pids] {
+        if (!hub || !hub->pollProcesses_)
+            return;
+        for (const qint64 pid : pids)
+            hub->cuttingPIDs_.remove(pid);
+        hub->refreshProcesses();
+    };
+    if (later_)
+        later_(cuttingHoldMs, std::move(endHold));
+    else
+        QTimer::singleShot(cuttingHoldMs, this, std::move(endHold));
+    return count;
+}
+
+void SystemMetrics::queueAIEvaluations() {
+    queue_.queueCandidates(cleanupCandidates_);
+}
+
+void SystemMetrics::pumpAI() {
+    queue_.pump();
+}
+
+void SystemMetrics::reevaluateAI() {
+    queue_.clear();
+    if (pollProcesses_)
+        queueAIEvaluations();
 }
 
 } // namespace quelmo

@@ -3,6 +3,7 @@
 #include "core/Platform.h"
 #include "core/advisor/AIAdvisor.h"
 #include "core/advisor/AIVerdict.h"
+#include "core/advisor/EvaluationQueue.h"
 #include "core/cleanup/BaselineEngine.h"
 #include "core/cleanup/CleanupCandidate.h"
 #include "core/cleanup/FocusTracker.h"
@@ -24,8 +25,6 @@
 #include <vector>
 
 namespace quelmo {
-
-using AIVerdictMap = QHash<QString, AIVerdict>;
 
 // The one observable object through which the rest of the program sees the machine. Samples the
 // monitors once a second; while polling, also refreshes the process table, the baselines, the
@@ -75,7 +74,7 @@ public:
     const QList<ProcInfo>& topCPU() const { return topCPU_; }
     const QList<ProcInfo>& topMem() const { return topMem_; }
     const QList<CleanupCandidate>& cleanupCandidates() const { return cleanupCandidates_; }
-    const AIVerdictMap& aiVerdicts() const { return aiVerdicts_; }
+    const AIVerdictMap& aiVerdicts() const { return queue_.verdicts(); }
     double sensitivity() const { return sensitivity_; }
     void setSensitivity(double value);
 
@@ -96,8 +95,8 @@ public:
     std::function<void()> onUpdate;
 
     const QSet<qint64>& cuttingPIDs() const { return cuttingPIDs_; }
-    const QList<AIQueueEntry>& aiQueue() const { return aiQueue_; }
-    bool aiBusy() const { return aiBusy_; }
+    const QList<AIQueueEntry>& aiQueue() const { return queue_.entries(); }
+    bool aiBusy() const { return queue_.busy(); }
 
     static constexpr double aneMaxWatts = 8.0;
     static constexpr int tickIntervalMs = 1000;
@@ -122,12 +121,9 @@ signals:
     void sensitivityChanged();
 
 private:
-    friend class EvaluationQueueTest; // drives the queue without a full process refresh
-
     QList<CleanupCandidate> computeCleanupCandidates(const std::vector<ProcInfo>& procs) const;
     void queueAIEvaluations();
     void pumpAI();
-    void setAIVerdicts(AIVerdictMap verdicts);
 
     template <typename T> void publish(T& field, T value, void (SystemMetrics::*changed)()) {
         field = std::move(value);
@@ -150,7 +146,6 @@ private:
     QList<ProcInfo> topCPU_;
     QList<ProcInfo> topMem_;
     QList<CleanupCandidate> cleanupCandidates_;
-    AIVerdictMap aiVerdicts_;
     bool pollProcesses_ = false;
     AIAdvisor::Status aiStatus_;
     double sensitivity_ = 0.5;
@@ -168,12 +163,12 @@ private:
     PowerMonitor power_;
     ProcessMonitor procMon_;
     BaselineEngine baseline_;
-    AIAdvisor* advisor_ = nullptr; // child QObject
+    std::unique_ptr<AIAdvisor> advisor_;
+    EvaluationQueue queue_; // asks advisor_
     FocusTracker focus_;
     QTimer* timer_ = nullptr; // child QObject, made by start()
-    QList<AIQueueEntry> aiQueue_;
-    bool aiBusy_ = false;
     QSet<qint64> cuttingPIDs_;
+    Platform::Later later_;
 };
 
 } // namespace quelmo

@@ -1,5 +1,5 @@
 // The hub on scriptable stand-ins for the machine, the desktop, the user and the signaller: the
-// order of a tick, the process lists, cutting processes, and which processes are offered for it.
+// order of a tick, the process lists, the hold on cut processes, and what the selection sees.
 #include "core/metrics/SystemMetrics.h"
 
 #include "core/settings/SettingsKeys.h"
@@ -7,7 +7,6 @@
 #include "support/TempSettings.h"
 
 #include <QSettings>
-#include <QTest>
 #include <QVariantMap>
 #include <gtest/gtest.h>
 
@@ -16,53 +15,6 @@ using namespace quelmo::test;
 
 namespace {
 
-struct FakeDesktop : DesktopSession {
-    DesktopSnapshot desktop;
-    QHash<qint64, AppRecord> apps;
-    QSet<qint64> withWindows; // processes that have windows to close
-    QList<qint64> closeRequests;
-
-    DesktopSnapshot snapshot() override { return desktop; }
-    std::optional<AppRecord> application(qint64 pid) override {
-        return apps.contains(pid) ? std::optional(apps.value(pid)) : std::nullopt;
-    }
-    std::optional<QString> frontmostAppId() override { return std::nullopt; }
-    void setActivationHandler(std::function<void(const QString&)>) override {}
-    bool requestClose(qint64 pid) override {
-        closeRequests << pid;
-        return withWindows.contains(pid);
-    }
-};
-
-struct FakeSystem : SystemInfo {
-    bool nominal = true;
-    QString userName() override { return QStringLiteral("alice"); }
-    qint64 ownPid() override { return 4242; }
-    bool thermalNominal() override { return nominal; }
-};
-
-// A handle opens only for a running pid with the very start time asked for.
-struct FakeSignaller : ProcessSignaller {
-    QHash<qint64, std::uint64_t> running; // pid -> start time
-    QSet<qint64> ignoresSignals;
-    QList<qint64> signalled;
-
-    struct Handle : ProcessHandle {
-        std::function<bool()> send;
-        bool sendTerminate() override { return send(); }
-    };
-    std::unique_ptr<ProcessHandle> open(qint64 pid, std::uint64_t startTime) override {
-        if (!running.contains(pid) || running.value(pid) != startTime)
-            return nullptr;
-        auto handle = std::make_unique<Handle>();
-        handle->send = [this, pid] {
-            signalled << pid;
-            return !ignoresSignals.contains(pid);
-        };
-        return handle;
-    }
-};
-
 struct HubOnFakes {
     ScriptedCpuTicks* cpu = new ScriptedCpuTicks;
     ScriptedEnergy* energy = new ScriptedEnergy;
@@ -70,8 +22,15 @@ struct HubOnFakes {
     FakeDesktop* desktop = new FakeDesktop;
     FakeSystem* system = new FakeSystem;
     FakeSignaller* signaller = new FakeSignaller;
-    double now = 100; // the power clock, in seconds
+    double now = 100;                                           // the power clock, in seconds
+    std::vector<std::pair<int, std::function<void()>>> delayed; // (delay in ms, task)
     std::unique_ptr<SystemMetrics> hub;
+
+    // Runs the delayed tasks handed out so far, as their timers would.
+    void runDelayed() {
+        for (auto& [delayMs, task] : std::exchange(delayed, {}))
+            task();
+    }
 
     // Hands every fake above to a new hub; they stay reachable through the pointers.
     SystemMetrics& build() {
@@ -83,6 +42,9 @@ struct HubOnFakes {
         platform.system.reset(system);
         platform.signaller.reset(signaller);
         platform.clock = [this] { return now; };
+        platform.later = [this](int delayMs, std::function<void()> task) {
+            delayed.emplace_back(delayMs, std::move(task));
+        };
         hub = std::make_unique<SystemMetrics>(std::move(platform));
         return *hub;
     }
@@ -151,31 +113,28 @@ struct ListedProcesses : FixedProcesses {
     }
 };
 
-TEST(SystemMetricsTest, TerminateSignalsOnlyTheListedProcessesAndHidesThemWhileTheyWindDown) {
+TEST(SystemMetricsTest, CutProcessesStayHiddenForTheHoldAndLongerOnceThePopoverHasClosed) {
     HubOnFakes fakes;
     delete std::exchange(fakes.processes, new ListedProcesses);
     SystemMetrics& hub = fakes.build();
     hub.refreshProcesses(); // the hub now knows each pid's start time
-    fakes.signaller->running = {{100, 1000}, {101, 1010}, {103, 99}, {104, 1040}};
-    fakes.signaller->ignoresSignals = {104};
-    fakes.desktop->withWindows = {100};
+    fakes.signaller->running = {{101, 1010}};
 
-    // 100: closes its windows. 101: no windows, takes SIGTERM. 102: gone. 103: pid reused by a
-    // later process. 104: ignores the signal. 105: never listed, so its start time is unknown.
     hub.setPollProcesses(true);
-    EXPECT_EQ(hub.terminate({100, 101, 102, 103, 104, 105}), 2);
-    EXPECT_EQ(fakes.desktop->closeRequests, QList<qint64>({100, 101, 104}));
-    EXPECT_EQ(fakes.signaller->signalled, QList<qint64>({101, 104}));
-    EXPECT_EQ(hub.cuttingPIDs(), QSet<qint64>({100, 101, 102, 103, 104, 105}));
+    EXPECT_EQ(hub.terminate({101, 102}), 1); // 102 has gone
+    EXPECT_EQ(fakes.signaller->signalled, QList<qint64>({101}));
+    EXPECT_EQ(hub.cuttingPIDs(), QSet<qint64>({101, 102}));
     EXPECT_EQ(fakes.processes->snapshots, 2); // refreshed at once...
-    QTest::qWait(2500);
+    ASSERT_EQ(fakes.delayed.size(), 1u);
+    EXPECT_EQ(fakes.delayed[0].first, 1600);
+    fakes.runDelayed();
     EXPECT_TRUE(hub.cuttingPIDs().isEmpty());
     EXPECT_EQ(fakes.processes->snapshots, 3); // ...and again when the hold ends
 
-    // With the popover closed the rows stay hidden and nothing more is read.
-    hub.setPollProcesses(false);
+    // With the popover closed by then the rows stay hidden and nothing more is read.
     hub.terminate({101});
-    QTest::qWait(2500);
+    hub.setPollProcesses(false);
+    fakes.runDelayed();
     EXPECT_EQ(hub.cuttingPIDs(), QSet<qint64>({101}));
     EXPECT_EQ(fakes.processes->snapshots, 4);
 }
@@ -183,124 +142,34 @@ TEST(SystemMetricsTest, TerminateSignalsOnlyTheListedProcessesAndHidesThemWhileT
 constexpr double MiB = 1048576.0;
 constexpr double GiB = 1073741824.0;
 
-// An ordinary application owned by `pid`; its desktop-entry id is the pid in decimal.
-struct App {
-    qint64 pid;
-    double minutesAgo; // since it was last brought to the front; negative: never
-    bool window = false;
-    QString displayName = {};
-};
+// The hub hands the selection its own readings, the desktop, the focus history, the baselines
+// and the pids being cut: at s = 0.5 an application idle for 100 minutes is offered once the CPU
+// is 60 % busy, next to a 2 GiB memory hog; a hog being cut, or of another user, is not.
+TEST(SystemMetricsTest, SelectionSeesTheHubsReadingsHistoryBaselinesAndCuts) {
+    TempSettings::clear();
+    QSettings().setValue(SettingsKeys::focusLastActive,
+                         QVariantMap{{"notes", FocusTracker::nowSeconds() - 100 * 60.0}});
+    HubOnFakes fakes;
+    fakes.desktop->desktop.regularPIDs = {50};
+    fakes.desktop->apps.insert(50, {"notes", QStringLiteral("Notes")});
+    SystemMetrics& hub = fakes.build();
+    hub.setSensitivity(0.5);
+    hub.terminate({61});
+    const std::vector<ProcInfo> rows = {proc(50, "notes", 0, 500 * MiB),
+                                        proc(60, "hog", 0, 2 * GiB), proc(61, "cut", 0, 2 * GiB),
+                                        proc(62, "theirs", 0, 2 * GiB, "root")};
+    fakes.processes->rows = rows;
 
-// A hub at sensitivity `s` with `apps` on the desktop.
-struct Session : HubOnFakes {
-    explicit Session(double s, const std::vector<App>& apps = {}) {
-        TempSettings::clear();
-        QVariantMap history;
-        for (const App& app : apps) {
-            const QString id = QString::number(app.pid);
-            desktop->desktop.regularPIDs << app.pid;
-            if (app.window)
-                desktop->desktop.visiblePIDs << app.pid;
-            desktop->apps.insert(app.pid,
-                                 {id, app.displayName.isEmpty() ? "App " + id : app.displayName});
-            if (app.minutesAgo >= 0)
-                history.insert(id, FocusTracker::nowSeconds() - app.minutesAgo * 60.0);
-        }
-        QSettings().setValue(SettingsKeys::focusLastActive, history);
-        build().setSensitivity(s);
-    }
+    hub.refreshProcesses();
+    EXPECT_EQ(ids(hub.cleanupCandidates()), QList<qint64>({60}));
 
-    // Two ticks a second apart: the CPU `busyPercent` % busy, drawing `milliwatts`.
-    void load(std::uint64_t busyPercent, std::uint64_t milliwatts) {
-        cpu->script = {std::vector<CpuTicks>{{0, 0, 0, 0}},
-                       std::vector<CpuTicks>{{busyPercent, 0, 100 - busyPercent, 0}}};
-        energy->script = {std::vector<EnergyChannel>{{"c", "CPU Energy", "mJ", 0, 0}},
-                          std::vector<EnergyChannel>{{"c", "CPU Energy", "mJ", milliwatts, 0}}};
-        for (int i = 0; i < 2; ++i, now += 1)
-            hub->update();
-    }
-
-    QList<qint64> select(std::vector<ProcInfo> rows) {
-        processes->rows = std::move(rows);
-        hub->refreshProcesses();
-        return ids(hub->cleanupCandidates());
-    }
-};
-
-// Whatever they use, processes that are someone else's, this program, in front, part of the
-// system or being cut stay; so do applications used within R minutes, or T with a window.
-TEST(CandidateSelectionTest, NothingTheUserMayBeUsingIsOffered) {
-    for (const auto& [s, recent, windowed] :
-         std::vector<std::tuple<double, double, double>>{{0, 24, 60}, {0.5, 13, 32.5}, {1, 2, 5}}) {
-        SCOPED_TRACE(testing::Message() << "s = " << s);
-        Session session(s,
-                        {App{1, recent - 0.1}, App{2, recent + 0.1}, App{3, windowed - 0.1, true},
-                         App{4, windowed + 0.1, true}, App{5, -1}, App{6, -1, true}});
-        session.desktop->desktop.frontmostPID = 11;
-        session.hub->terminate({15});
-        const double hog = (3 - 2 * s) * GiB; // just a memory hog
-        EXPECT_EQ(session.select({proc(1, "a", 0, hog), proc(2, "b", 0, hog), proc(3, "c", 0, hog),
-                                  proc(4, "d", 0, hog), proc(5, "e", 0, hog), proc(6, "f", 0, hog),
-                                  proc(7, "g", 0, hog, "root"), proc(8, "h", 0, hog, "Alice"),
-                                  proc(4242, "quelmo-dev", 0, hog), proc(11, "in-front", 0, hog),
-                                  proc(12, "Xorg", 0, hog), proc(13, "Xorg helper", 0, hog),
-                                  proc(15, "to-cut", 0, hog)}),
-                  QList<qint64>({2, 4, 5, 13}));
-    }
-}
-
-// A desktop that cannot show an application's windows: that application is left alone whatever
-// it uses and however long ago it was last seen in front; other processes are judged as usual.
-TEST(CandidateSelectionTest, ApplicationsWhoseWindowsCannotBeSeenAreNeverOffered) {
-    Session session(1, {App{20, 500}, App{21, 500}});
-    session.system->nominal = false;
-    session.desktop->desktop.unseenAppPIDs = {20, 22};
-    const double hog = 3 * GiB;
-    EXPECT_EQ(
-        session.select({proc(20, "idle-native", 0, 200 * MiB), proc(21, "idle-x", 0, 200 * MiB),
-                        proc(22, "native-hog", 0, hog), proc(23, "cli-hog", 0, hog)}),
-        QList<qint64>({23, 21}));
-}
-
-// At s = 0.5, T = 32.5 minutes; with a window, 3 T = 97.5. Pid 30 is just inside every limit.
-TEST(CandidateSelectionTest, IdleAppsNeedTimeMemoryAQuietCPUAndNoRecentWindow) {
-    Session session(0.5, {App{30, 33}, App{31, 32}, App{32, 97, true}, App{33, 98, true},
-                          App{35, 60}, App{36, 60}, App{38, -1}});
-    session.system->nominal = false;
-    EXPECT_EQ(session.select({proc(30, "p30", 1.99, 40 * MiB), proc(31, "p31", 1, 200 * MiB),
-                              proc(32, "p32", 1, 200 * MiB), proc(33, "p33", 1, 200 * MiB),
-                              proc(35, "p35", 1, 40 * MiB - 1), proc(36, "p36", 2.0, 200 * MiB),
-                              proc(38, "p38", 0, 200 * MiB)}),
-              QList<qint64>({33, 30}));
-    EXPECT_TRUE(session.hub->cleanupCandidates().first().hasWindow); // only idle apps have one
-}
-
-TEST(CandidateSelectionTest, IdleAppsNeedStrainAndSensitivityOfAtLeastPoint4) {
-    const auto offered = [](double s, bool thermalNominal, std::uint64_t busy, std::uint64_t mW) {
-        Session session(s, {{50, 100}});
-        session.system->nominal = thermalNominal;
-        session.load(busy, mW);
-        return !session.select({proc(50, "notes", 0, 500 * MiB)}).isEmpty();
-    };
-    EXPECT_FALSE(offered(0.5, true, 59, 13900));
-    EXPECT_TRUE(offered(0.5, true, 60, 0));
-    EXPECT_TRUE(offered(0.5, true, 0, 14000));
-    EXPECT_FALSE(offered(0.39, false, 100, 20000));
-    EXPECT_TRUE(offered(0.4, true, 60, 0));
-}
-
-TEST(CandidateSelectionTest, HogsFirstByMemoryThenIdleAppsLongestFirstOnePerNameAtMostSix) {
-    Session session(
-        0.5, {{46, 50, false, "Notes"}, {47, 40}, {48, 7 * 24 * 60}, {49, 60, false, "Notes"}});
-    session.system->nominal = false;
-    const QList<qint64> offered = session.select(
-        {proc(40, "dup", 0, 3 * GiB), proc(41, "dup", 0, 5 * GiB), proc(42, "dup", 0, 4 * GiB),
-         proc(43, "hogA", 0, 3 * GiB), proc(44, "hogB", 0, 6 * GiB), proc(45, "hogC", 0, 3 * GiB),
-         proc(46, "notes", 0, 300 * MiB), proc(47, "mail", 0, 100 * MiB),
-         proc(48, "old", 0, 50 * MiB), proc(49, "notes-helper", 0, 200 * MiB)});
-    // A week idle (over 9999 minutes) goes ahead of the hogs. Of the two "Notes" the bigger one
-    // stays, though it was used more recently; pid 47 (40 minutes) would be seventh.
-    EXPECT_EQ(offered, QList<qint64>({48, 44, 41, 43, 45, 46}));
+    fakes.cpu->script = {std::vector<CpuTicks>{{0, 0, 0, 0}},
+                         std::vector<CpuTicks>{{60, 0, 40, 0}}};
+    hub.update();
+    hub.update();
+    hub.refreshProcesses();
+    EXPECT_EQ(ids(hub.cleanupCandidates()), QList<qint64>({60, 50}));
+    EXPECT_EQ(hub.cleanupCandidates().last().displayName, "Notes");
 }
 
 } // namespace
