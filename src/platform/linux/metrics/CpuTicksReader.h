@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/metrics/sources/SystemSources.h"
-#include "platform/linux/metrics/KernelFile.h"
+#include "platform/linux/common/KernelFile.h"
 
 #include <string_view>
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "core/metrics/sources/SystemSources.h"
+#include "platform/linux/common/KernelFile.h"
 #include "platform/linux/metrics/IntelGpuPmu.h"
-#include "platform/linux/metrics/KernelFile.h"
 #include "platform/linux/metrics/NvmlLibrary.h"
 
 #include <memory>

@@ -1,7 +1,9 @@
 #include "platform/linux/x11/X11DesktopSession.h"
 
 #include "core/settings/AppLang.h"
-#include "platform/linux/common/ProcFiles.h"
+#include "platform/linux/common/KernelFile.h"
+#include "platform/linux/common/ProcStat.h"
+#include "platform/linux/common/RootPath.h"
 #include "platform/linux/x11/WindowSurvey.h"
 
 #include <QTimer>
@@ -88,7 +90,8 @@ std::optional<QString> X11DesktopSession::appIdOfProcess(qint64 pid) {
     // The start time tells a remembered process from a later one with the same pid; 0 when it
     // cannot be read, and then nothing is remembered.
     const auto stat = readSmallFile(procPath(options_.root, pid, "stat"));
-    const std::uint64_t startTime = stat ? parseStartTime(*stat).value_or(0) : 0;
+    const auto parsed = stat ? parseProcStat(*stat) : std::nullopt;
+    const std::uint64_t startTime = parsed ? parsed->startTime : 0;
     const auto now = std::chrono::steady_clock::now();
     if (startTime != 0) {
         const auto cached = idCache_.constFind(pid);
@@ -97,8 +100,8 @@ std::optional<QString> X11DesktopSession::appIdOfProcess(qint64 pid) {
             return cached->appId;
     }
 
-    const QByteArray cgroup =
-        readSmallFile(procPath(options_.root, pid, "cgroup")).value_or(QByteArray());
+    const QByteArray cgroup = QByteArray::fromStdString(
+        readSmallFile(procPath(options_.root, pid, "cgroup")).value_or(std::string()));
     const auto id = resolveAppId(
         cgroup, [&] { return x_->broken() ? std::vector<WindowHints>{} : hintsOfProcess(pid); },
         index_);

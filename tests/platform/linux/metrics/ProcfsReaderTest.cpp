@@ -80,20 +80,6 @@ TEST(ProcfsProcessReaderTest, RealTreesAndLifetimeAverages) {
     EXPECT_EQ(monitor.startTimeOf(2002), std::optional<std::uint64_t>(150000));
 }
 
-TEST(ProcfsProcessReaderTest, StatFieldsAfterTheLastParenthesis) {
-    const auto stat =
-        parseProcStat("7 (a) b) R 1 7 7 0 -1 0 0 0 0 0 11 22 -3 -4 20 0 1 0 333 0 44\n");
-    ASSERT_TRUE(stat);
-    EXPECT_EQ(stat->comm, "a) b");
-    EXPECT_EQ(stat->cpuTicks, 33u);
-    EXPECT_EQ(stat->startTime, 333u);
-    EXPECT_EQ(stat->rssPages, 44u);
-    EXPECT_FALSE(parseProcStat("7 (a R 1 7 7 0 -1 0 0 0 0 0 11 22 -3 -4 20 0 1 0 333 0 44"));
-    EXPECT_FALSE(parseProcStat("7 )a( R 1 7 7 0 -1 0 0 0 0 0 11 22 -3 -4 20 0 1 0 333 0 44"));
-    EXPECT_EQ(parseStatusUid("Name:\tx\nUid:\t1\t2\t3\t4\n"), std::optional<std::uint32_t>(2));
-    EXPECT_FALSE(parseStatusUid("Uid:\t1\n"));
-}
-
 TEST(ProcfsProcessReaderTest, WithoutProcTheListingToolIsRunWithItsTwoArguments) {
     ProcfsProcessReader reader(machine("no-proc"), fixtureUsers);
     EXPECT_FALSE(reader.readTable()); // an empty /proc is an unmounted one
