@@ -97,3 +97,19 @@ TEST(ProcfsProcessReaderTest, WithoutProcTheListingToolIsRunWithItsTwoArguments)
     EXPECT_FALSE(nothing.readTable());
     EXPECT_FALSE(nothing.runProcessTool());
 }
+
+TEST(ProcfsProcessReaderTest, TheListingToolCannotHoldTheProgramUp) {
+    // A tool that writes pages of warnings (more than a pipe holds) and waits for input before
+    // printing: with its error or input left on an unread pipe it would never finish.
+    FixtureTree tree;
+    QDir().mkpath(tree.path(QStringLiteral("proc")));
+    tree.write(QStringLiteral("bin/ps"), "#!/bin/sh\n"
+                                         "head -c 300000 /dev/zero | tr '\\0' w >&2\n"
+                                         "cat >/dev/null\n"
+                                         "echo '  42  1.5  2048 alice  Web Content'\n");
+    QFile::setPermissions(tree.path(QStringLiteral("bin/ps")),
+                          QFileDevice::ReadOwner | QFileDevice::ExeOwner);
+    ProcfsProcessReader reader(tree.root(), fixtureUsers);
+    EXPECT_EQ(reader.runProcessTool(),
+              std::optional<QByteArray>("  42  1.5  2048 alice  Web Content\n"));
+}
