@@ -3,6 +3,7 @@
 #include "core/metrics/sources/CpuTicksSource.h"
 #include "platform/linux/common/KernelFile.h"
 
+#include <QString>
 #include <string_view>
 
 namespace quelmo::linux_platform {

@@ -4,6 +4,7 @@
 #include "platform/linux/common/KernelFile.h"
 #include "platform/linux/metrics/NvmlLibrary.h"
 
+#include <QString>
 #include <memory>
 #include <string_view>
 #include <utility>

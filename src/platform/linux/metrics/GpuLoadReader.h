@@ -5,6 +5,7 @@
 #include "platform/linux/metrics/IntelGpuPmu.h"
 #include "platform/linux/metrics/NvmlLibrary.h"
 
+#include <QString>
 #include <memory>
 #include <vector>
 

@@ -3,6 +3,7 @@
 #include "core/metrics/sources/MemorySource.h"
 #include "platform/linux/common/KernelFile.h"
 
+#include <QString>
 #include <string_view>
 #include <vector>
 

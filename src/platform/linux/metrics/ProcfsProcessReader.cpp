@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <dirent.h>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
@@ -80,7 +81,8 @@ QString processName(std::string_view comm, std::string_view cmdline) {
 
 ProcfsProcessReader::ProcfsProcessReader(const QString& root, UserLookup lookup)
     : procPath_(rootedPath(root, "proc")), toolPath_(rootedPath(root, "bin/ps")),
-      uptime_(rootedPath(root, "proc/uptime")), users_(std::move(lookup)) {
+      uptime_(rootedPath(root, "proc/uptime")), users_(std::move(lookup)),
+      ownersAreEffectiveUids_(isLiveRoot(root)) {
     if (const long hz = ::sysconf(_SC_CLK_TCK); hz > 0)
         ticksPerSecond_ = static_cast<std::uint64_t>(hz);
     if (const long page = ::sysconf(_SC_PAGESIZE); page > 0)
@@ -139,16 +141,27 @@ std::optional<ProcessRecord> ProcfsProcessReader::readProcess(std::string_view p
         return path.data();
     };
 
+    // The owner of /proc/[pid] is the process's effective uid, except for a process that is not
+    // dumpable (one that changed its credentials, or asked not to be), whose directory is
+    // root's. Only those, and every process of a fixture tree, whose files belong to whoever
+    // copied them, need the Uid line of status; kernel threads are root's.
+    struct stat owner {};
+    if (::fstatat(dir, file(""), &owner, 0) != 0)
+        return std::nullopt;
     std::array<char, 4096> statBuffer;
     const auto statText = readInto(dir, file("stat"), statBuffer);
     const auto stat = statText ? parseProcStat(*statText) : std::nullopt;
     if (!stat)
         return std::nullopt;
-
-    std::array<char, 1024> statusBuffer; // the Uid line comes within the first few hundred bytes
-    const auto status = readInto(dir, file("status"), statusBuffer);
-    if (!status)
-        return std::nullopt; // gone between the two reads
+    std::optional<std::uint32_t> effectiveUid = owner.st_uid;
+    if (!ownersAreEffectiveUids_ || (owner.st_uid == 0 && !stat->isKernelThread())) {
+        std::array<char, 1024> statusBuffer; // the Uid line is within the first few hundred bytes
+        const auto status = readInto(dir, file("status"), statusBuffer);
+        if (!status)
+            return std::nullopt; // gone between the two reads
+        const auto uids = parseStatusUids(*status);
+        effectiveUid = uids ? std::optional(uids->effective) : std::nullopt;
+    }
 
     ProcessRecord record;
     record.pid = static_cast<qint64>(*id);
@@ -159,8 +172,8 @@ std::optional<ProcessRecord> ProcfsProcessReader::readProcess(std::string_view p
     } else {
         record.name = processName(stat->comm, {});
     }
-    if (const auto uids = parseStatusUids(*status))
-        record.user = users_.nameOf(uids->effective);
+    if (effectiveUid)
+        record.user = users_.nameOf(*effectiveUid);
     record.cpuTicks = stat->cpuTicks;
     record.startTime = stat->startTime;
     record.rssBytes = static_cast<double>(stat->rssPages) * pageSize_;

@@ -14,8 +14,9 @@ struct __dirstream;
 namespace quelmo::linux_platform {
 
 // The process table from procfs: for every /proc/[pid], its stat (name, CPU ticks, start time,
-// resident pages), the effective uid of its status, and for a name cut to the kernel's 15 bytes
-// the start of its command line. Where /proc cannot be listed, `runProcessTool` runs
+// resident pages), its effective uid (the directory's owner, or the Uid line of its status where
+// the owner cannot tell), and for a name cut to the kernel's 15 bytes the start of its command
+// line. Where /proc cannot be listed, `runProcessTool` runs
 // <root>/bin/ps instead.
 class ProcfsProcessReader final : public ProcessSource {
 public:
@@ -35,6 +36,7 @@ private:
     __dirstream* proc_ = nullptr; // kept open and rewound for every table
     KernelFile uptime_;
     UserNames users_;
+    bool ownersAreEffectiveUids_; // true on the live /proc, not in a copy of one
     std::uint64_t ticksPerSecond_ = 100;
     double pageSize_ = 4096;
 };
