@@ -1,11 +1,16 @@
 // What the metrics cost on this machine:
 //   HubTickPopoverClosed  one hub update() with the popover closed, on the real Linux readers
+//   ProcfsFloor           the least any procfs snapshot can do: list /proc, take each
+//                         directory's owner and read each process's stat, parsing nothing
 //   ProcessSnapshot       one process-table snapshot from procfs
 //   PsToolAndParse        running `/bin/ps -axco pid=,%cpu=,rss=,user=,comm=` once and parsing it
-// The last two are printed side by side at the end, with the CPU of the `ps` child included.
+// The last three are printed side by side at the end, with the CPU of the `ps` child included.
+// First the machine is brought to at least 300 processes with idle children, which end with the
+// run.
 //
 // Run: build/<dir>/bench/bench_metrics [--benchmark_min_time=2]
 
+#include "IdleProcesses.h"
 #include "core/metrics/ProcessListText.h"
 #include "core/metrics/ProcessMonitor.h"
 #include "core/metrics/SystemMetrics.h"
@@ -15,10 +20,15 @@
 
 #include <QCoreApplication>
 #include <QStandardPaths>
+#include <array>
 #include <benchmark/benchmark.h>
 #include <cstdio>
+#include <dirent.h>
+#include <fcntl.h>
 #include <map>
 #include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 using namespace quelmo;
 
@@ -50,6 +60,33 @@ void HubTickPopoverClosed(benchmark::State& state) {
     timed(state, [&] { hub.update(); });
 }
 
+void ProcfsFloor(benchmark::State& state) {
+    DIR* proc = ::opendir("/proc");
+    std::size_t rows = 0;
+    timed(state, [&] {
+        ::rewinddir(proc);
+        const int dir = ::dirfd(proc);
+        rows = 0;
+        std::array<char, 64> path;
+        std::array<char, 4096> stat;
+        while (const dirent* entry = ::readdir(proc)) {
+            if (entry->d_name[0] < '0' || entry->d_name[0] > '9')
+                continue;
+            struct stat owner {};
+            if (::fstatat(dir, entry->d_name, &owner, 0) != 0)
+                continue;
+            std::snprintf(path.data(), path.size(), "%s/stat", entry->d_name);
+            const int fd = ::openat(dir, path.data(), O_RDONLY | O_CLOEXEC);
+            if (fd < 0)
+                continue;
+            rows += ::read(fd, stat.data(), stat.size()) > 0 && owner.st_uid != ~0u;
+            ::close(fd);
+        }
+    });
+    ::closedir(proc);
+    state.counters["processes"] = static_cast<double>(rows);
+}
+
 void ProcessSnapshot(benchmark::State& state) {
     ProcessMonitor monitor(
         std::make_unique<linux_platform::ProcfsProcessReader>(QStringLiteral("/")));
@@ -69,6 +106,7 @@ void PsToolAndParse(benchmark::State& state) {
 }
 
 BENCHMARK(HubTickPopoverClosed)->Unit(benchmark::kMicrosecond);
+BENCHMARK(ProcfsFloor)->Unit(benchmark::kMicrosecond)->UseRealTime();
 BENCHMARK(ProcessSnapshot)->Unit(benchmark::kMicrosecond)->UseRealTime();
 BENCHMARK(PsToolAndParse)->Unit(benchmark::kMicrosecond)->UseRealTime();
 
@@ -98,22 +136,30 @@ int main(int argc, char** argv) {
     QStandardPaths::setTestModeEnabled(true); // never touch the user's settings
     QCoreApplication::setOrganizationName(QStringLiteral("quelmo-bench"));
     benchmark::Initialize(&argc, argv);
+    const IdleProcesses idle(300);
     ComparingReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     benchmark::Shutdown();
 
+    const auto floor = reporter.figures.find("ProcfsFloor/real_time");
     const auto procfs = reporter.figures.find("ProcessSnapshot/real_time");
     const auto ps = reporter.figures.find("PsToolAndParse/real_time");
-    if (procfs != reporter.figures.end() && ps != reporter.figures.end() &&
-        procfs->second.wallUs > 0 && procfs->second.cpuAllUs > 0) {
-        std::printf("\n%-44s %12s %22s\n", "one process snapshot", "wall (us)",
-                    "CPU incl. children (us)");
-        std::printf("%-44s %12.0f %22.0f\n", "procfs (ProcessMonitor)", procfs->second.wallUs,
-                    procfs->second.cpuAllUs);
-        std::printf("%-44s %12.0f %22.0f\n", "ps -axco pid=,%cpu=,rss=,user=,comm= + parse",
-                    ps->second.wallUs, ps->second.cpuAllUs);
-        std::printf("%-44s %11.1fx %21.1fx\n", "ps / procfs",
-                    ps->second.wallUs / procfs->second.wallUs,
+    if (floor != reporter.figures.end() && procfs != reporter.figures.end() &&
+        ps != reporter.figures.end() && floor->second.wallUs > 0 && floor->second.cpuAllUs > 0) {
+        std::printf("\none process snapshot, %d processes (%d idle children started)\n",
+                    IdleProcesses::processCount(), idle.started());
+        std::printf("%-46s %10s %8s %14s %8s\n", "", "wall (us)", "x floor", "CPU+children",
+                    "x floor");
+        for (const auto& [label, it] :
+             {std::pair{"floor: list /proc, fstatat, read stat", floor},
+              std::pair{"procfs (ProcessMonitor)", procfs},
+              std::pair{"ps -axco pid=,%cpu=,rss=,user=,comm= + parse", ps}}) {
+            std::printf("%-46s %10.0f %7.2fx %14.0f %7.2fx\n", label, it->second.wallUs,
+                        it->second.wallUs / floor->second.wallUs, it->second.cpuAllUs,
+                        it->second.cpuAllUs / floor->second.cpuAllUs);
+        }
+        std::printf("%-46s %10s %7.1fx %14s %7.1fx\n", "ps / procfs", "",
+                    ps->second.wallUs / procfs->second.wallUs, "",
                     ps->second.cpuAllUs / procfs->second.cpuAllUs);
     }
     if (const auto tick = reporter.figures.find("HubTickPopoverClosed");

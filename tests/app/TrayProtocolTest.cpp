@@ -11,8 +11,10 @@ namespace {
 
 // QtDBus silently leaves out of an interface any method or property whose type it cannot put
 // on the bus (a host calling it then gets "no such method"). Every one must resolve.
+// QtDBus finds a slot's argument types by name, as the adaptor spells them.
 void expectEveryMemberMarshals(const QMetaObject& adaptor) {
     registerDBusTypes();
+    QDBusMetaType::signatureToMetaType("i"); // QtDBus registers its own types on first use
     auto marshals = [](QByteArray type) {
         type.replace('&', "");
         const QMetaType meta = QMetaType::fromName(type);

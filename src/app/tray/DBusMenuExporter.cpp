@@ -4,6 +4,7 @@
 
 #include <QDBusConnection>
 #include <QDBusMessage>
+#include <QGuiApplication>
 
 namespace quelmo {
 
@@ -29,7 +30,7 @@ DBusMenuExporter::DBusMenuExporter(QObject* parent) : QObject(parent) {
 void DBusMenuExporter::setEntries(const QList<StatusMenuEntry>& entries) {
     entries_ = entries;
     ++revision_;
-    emit layoutUpdated(revision_, 0);
+    emit LayoutUpdated(revision_, 0);
 }
 
 DBusMenuShortcut DBusMenuExporter::shortcutOf(const QKeySequence& sequence) {
@@ -76,12 +77,57 @@ DBusMenuLayoutItem DBusMenuExporter::item(int id, int depth, const QStringList& 
     return result;
 }
 
-DBusMenuLayoutItem DBusMenuExporter::layout(int parentId, int depth, const QStringList& names) {
-    if (!hasItem(parentId)) {
+QString DBusMenuExporter::textDirection() const {
+    return QGuiApplication::layoutDirection() == Qt::RightToLeft ? QStringLiteral("rtl")
+                                                                 : QStringLiteral("ltr");
+}
+
+uint DBusMenuExporter::GetLayout(int parentId, int recursionDepth, const QStringList& propertyNames,
+                                 DBusMenuLayoutItem& layout) {
+    if (hasItem(parentId))
+        layout = item(parentId, recursionDepth, propertyNames);
+    else
         failUnknownItem(parentId);
-        return {};
+    return revision_;
+}
+
+DBusMenuItemPropertiesList DBusMenuExporter::GetGroupProperties(const QList<int>& ids,
+                                                                const QStringList& propertyNames) {
+    DBusMenuItemPropertiesList result;
+    for (const int id : ids)
+        if (hasItem(id))
+            result.append({id, properties(id, propertyNames)});
+    return result;
+}
+
+QDBusVariant DBusMenuExporter::GetProperty(int id, const QString& name) {
+    return QDBusVariant(properties(id, {name}).value(name));
+}
+
+void DBusMenuExporter::Event(int id, const QString& eventId, const QDBusVariant&, uint) {
+    handleEvent(id, eventId);
+}
+
+QList<int> DBusMenuExporter::EventGroup(const DBusMenuEventList& events) {
+    QList<int> unknown;
+    for (const DBusMenuEvent& event : events) {
+        if (hasItem(event.id))
+            handleEvent(event.id, event.eventId);
+        else
+            unknown.append(event.id);
     }
-    return item(parentId, depth, names);
+    return unknown;
+}
+
+bool DBusMenuExporter::AboutToShow(int) {
+    return false; // the menu never changes while it is open
+}
+
+QList<int> DBusMenuExporter::AboutToShowGroup(const QList<int>& ids, QList<int>& idErrors) {
+    for (const int id : ids)
+        if (!hasItem(id))
+            idErrors.append(id);
+    return {};
 }
 
 void DBusMenuExporter::handleEvent(int id, const QString& eventId) {

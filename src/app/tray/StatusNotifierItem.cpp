@@ -1,5 +1,6 @@
 #include "app/tray/StatusNotifierItem.h"
 
+#include "app/tray/ScissorsIcon.h"
 #include "app/tray/StatusNotifierItemAdaptor.h"
 #include "app/tray/StatusTitle.h"
 
@@ -9,13 +10,6 @@
 #include <QDBusPendingReply>
 
 namespace quelmo {
-
-namespace {
-
-constexpr const char* watcherService = "org.kde.StatusNotifierWatcher";
-constexpr const char* watcherPath = "/StatusNotifierWatcher";
-
-} // namespace
 
 StatusNotifierItem::StatusNotifierItem(QDBusConnection bus, QObject* parent)
     : QObject(parent), bus_(std::move(bus)),
@@ -45,9 +39,11 @@ bool StatusNotifierItem::publish() {
 }
 
 void StatusNotifierItem::registerWithWatcher(std::function<void(bool)> done) {
-    QDBusMessage call = QDBusMessage::createMethodCall(
-        QString::fromLatin1(watcherService), QString::fromLatin1(watcherPath),
-        QString::fromLatin1(watcherService), QStringLiteral("RegisterStatusNotifierItem"));
+    QDBusMessage call =
+        QDBusMessage::createMethodCall(QString::fromLatin1(statusNotifierWatcherService),
+                                       QString::fromLatin1(statusNotifierWatcherPath),
+                                       QString::fromLatin1(statusNotifierWatcherService),
+                                       QStringLiteral("RegisterStatusNotifierItem"));
     call << serviceName_;
     auto* pending = new QDBusPendingCallWatcher(bus_.asyncCall(call, 5000), this);
     connect(pending, &QDBusPendingCallWatcher::finished, this,
@@ -61,18 +57,55 @@ void StatusNotifierItem::setTitle(const QString& title) {
     if (title == title_)
         return;
     title_ = title;
-    emit newToolTip();
-    emit newLabel(title_, QString::fromLatin1(statusTitleGuide));
+    emit NewToolTip();
+    emit XAyatanaNewLabel(title_, labelGuide());
 }
 
 void StatusNotifierItem::setIcon(const QString& themePath, const SniPixmaps& pixmaps) {
     iconThemePath_ = themePath;
     iconPixmaps_ = pixmaps;
-    emit newIcon();
+    emit NewIcon();
 }
 
 SniToolTip StatusNotifierItem::toolTip() const {
     return {QString(), {}, title_, QString()};
+}
+
+QString StatusNotifierItem::iconName() const {
+    // Without a folder to find it in, a name would only make hosts look in vain.
+    return iconThemePath_.isEmpty() ? QString() : QString::fromLatin1(scissors::iconName);
+}
+
+QString StatusNotifierItem::iconAccessibleDesc() const {
+    return QString::fromLatin1(scissors::accessibleName);
+}
+
+QDBusObjectPath StatusNotifierItem::menuPath() const {
+    return QDBusObjectPath(QString::fromLatin1(DBusMenuExporter::objectPath));
+}
+
+QString StatusNotifierItem::labelGuide() const {
+    return QString::fromLatin1(statusTitleGuide);
+}
+
+void StatusNotifierItem::ContextMenu(int x, int y) {
+    emit contextMenuRequested({x, y});
+}
+
+void StatusNotifierItem::Activate(int x, int y) {
+    emit activated({x, y});
+}
+
+void StatusNotifierItem::SecondaryActivate(int, int) {
+    // A middle click: the item has no secondary action.
+}
+
+void StatusNotifierItem::Scroll(int, const QString&) {
+    // Scrolling over the item changes nothing.
+}
+
+void StatusNotifierItem::ProvideXdgActivationToken(const QString&) {
+    // Only Wayland hosts send this; on X11 the popover asks for the focus itself.
 }
 
 } // namespace quelmo

@@ -1,19 +1,45 @@
 #pragma once
 
 #include "app/tray/DBusMenuExporter.h"
+#include "app/shell/ApplicationId.h"
 #include "app/tray/DBusTypes.h"
 
 #include <QDBusConnection>
+#include <QDBusObjectPath>
 #include <QObject>
 #include <QPoint>
 
 namespace quelmo {
 
+// The desktop's StatusNotifierWatcher, which hosts (panels) learn the items from.
+inline constexpr const char* statusNotifierWatcherService = "org.kde.StatusNotifierWatcher";
+inline constexpr const char* statusNotifierWatcherPath = "/StatusNotifierWatcher";
+
 // The item as a freedesktop StatusNotifierItem on the session bus, with its context menu
 // published over dbusmenu and its title as an Ayatana label, which hosts that show labels draw
-// beside the icon. The host calls Activate and ContextMenu with the pointer's position.
+// beside the icon. The host calls Activate and ContextMenu with the pointer's position. The
+// properties, slots and signals named as on the bus are what the generated adaptor relays.
 class StatusNotifierItem : public QObject {
     Q_OBJECT
+    Q_PROPERTY(QString Category READ category)
+    Q_PROPERTY(QString Id READ id)
+    Q_PROPERTY(QString Title READ itemTitle)
+    Q_PROPERTY(QString Status READ status)
+    Q_PROPERTY(int WindowId READ windowId)
+    Q_PROPERTY(QString IconThemePath READ iconThemePath)
+    Q_PROPERTY(QString IconName READ iconName)
+    Q_PROPERTY(quelmo::SniPixmaps IconPixmap READ iconPixmaps)
+    Q_PROPERTY(QString IconAccessibleDesc READ iconAccessibleDesc)
+    Q_PROPERTY(QString OverlayIconName READ noName)
+    Q_PROPERTY(quelmo::SniPixmaps OverlayIconPixmap READ noPixmaps)
+    Q_PROPERTY(QString AttentionIconName READ noName)
+    Q_PROPERTY(quelmo::SniPixmaps AttentionIconPixmap READ noPixmaps)
+    Q_PROPERTY(QString AttentionMovieName READ noName)
+    Q_PROPERTY(quelmo::SniToolTip ToolTip READ toolTip)
+    Q_PROPERTY(bool ItemIsMenu READ itemIsMenu)
+    Q_PROPERTY(QDBusObjectPath Menu READ menuPath)
+    Q_PROPERTY(QString XAyatanaLabel READ title)
+    Q_PROPERTY(QString XAyatanaLabelGuide READ labelGuide)
 
 public:
     static constexpr const char* objectPath = "/StatusNotifierItem";
@@ -32,19 +58,43 @@ public:
     void setTitle(const QString& title);
     void setIcon(const QString& themePath, const SniPixmaps& pixmaps);
 
-    // What the adaptor reports.
-    QString title() const { return title_; }
+    QString category() const { return QStringLiteral("ApplicationStatus"); }
+    QString id() const { return QString::fromLatin1(applicationId); }
+    QString itemTitle() const { return QStringLiteral("Quelmo"); }
+    QString status() const { return QStringLiteral("Active"); }
+    int windowId() const { return 0; }
     QString iconThemePath() const { return iconThemePath_; }
+    QString iconName() const;
     const SniPixmaps& iconPixmaps() const { return iconPixmaps_; }
+    QString iconAccessibleDesc() const;
+    QString noName() const { return {}; }
+    SniPixmaps noPixmaps() const { return {}; }
     SniToolTip toolTip() const;
+    bool itemIsMenu() const { return false; }
+    QDBusObjectPath menuPath() const;
+    // The live title ("23% 62%"), shown as the label and the tooltip.
+    QString title() const { return title_; }
+    QString labelGuide() const;
+
+public slots:
+    void ContextMenu(int x, int y);
+    void Activate(int x, int y);
+    void SecondaryActivate(int x, int y);
+    void Scroll(int delta, const QString& orientation);
+    void ProvideXdgActivationToken(const QString& token);
 
 signals:
     void activated(QPoint position);
     void contextMenuRequested(QPoint position);
-    // Signals of the protocol, relayed to the bus by the adaptor.
-    void newIcon();
-    void newToolTip();
-    void newLabel(const QString& label, const QString& guide);
+
+    // The protocol's signals, relayed to the bus by the adaptor.
+    void NewTitle();
+    void NewIcon();
+    void NewAttentionIcon();
+    void NewOverlayIcon();
+    void NewToolTip();
+    void NewStatus(const QString& status);
+    void XAyatanaNewLabel(const QString& label, const QString& guide);
 
 private:
     QDBusConnection bus_;

@@ -17,8 +17,8 @@ namespace quelmo {
 
 namespace {
 
-const QString watcherService = QStringLiteral("org.kde.StatusNotifierWatcher");
-const QString watcherPath = QStringLiteral("/StatusNotifierWatcher");
+const QString watcherService = QString::fromLatin1(statusNotifierWatcherService);
+const QString watcherPath = QString::fromLatin1(statusNotifierWatcherPath);
 constexpr int fallbackDelayMs = 2000;
 
 SniPixmaps fallbackPixmaps() {

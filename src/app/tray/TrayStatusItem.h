@@ -22,8 +22,6 @@ class TrayStatusItem : public StatusItem {
     Q_OBJECT
 
 public:
-    enum class Kind { None, StatusNotifier, XEmbed };
-
     // `iconDirectory` is where the symbolic icon is written for hosts to load by name.
     explicit TrayStatusItem(std::optional<QDBusConnection> bus, const QString& iconDirectory,
                             QObject* parent = nullptr);
@@ -33,13 +31,13 @@ public:
     void setMenu(const QList<StatusMenuEntry>& entries) override;
     QPoint anchorHint() const override;
 
-    Kind kind() const { return kind_; }
-
 private slots:
     void chooseHost();
     void hostRegistered();
 
 private:
+    enum class Kind { None, StatusNotifier, XEmbed };
+
     void fallBack();
     void askForHost(std::function<void(bool)> answer);
     void useStatusNotifier();

@@ -1,5 +1,6 @@
 #include "platform/linux/DesktopServices.h"
 
+#include "platform/linux/common/RootPath.h"
 #include "platform/linux/system/LinuxSystemInfo.h"
 #include "platform/linux/system/PidfdSignaller.h"
 #include "platform/linux/wayland/WaylandSessions.h"
@@ -14,7 +15,7 @@ void addDesktopServices(Platform& platform, const QString& root) {
     // The X display only belongs with the live system: a fixture tree's pids would not match
     // the windows on screen. Without a display (no DISPLAY, Wayland without Xwayland) there is
     // no desktop to ask, and the rules see no windows and no application in front.
-    const bool liveSystem = root.isEmpty() || root == QLatin1String("/");
+    const bool liveSystem = isLiveRoot(root);
     if (!liveSystem)
         return;
     X11DesktopSession::Options options;

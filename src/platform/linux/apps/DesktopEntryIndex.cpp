@@ -1,6 +1,7 @@
 #include "platform/linux/apps/DesktopEntryIndex.h"
 
-#include "platform/linux/common/ProcFiles.h"
+#include "platform/linux/common/KernelFile.h"
+#include "platform/linux/common/RootPath.h"
 
 #include <QDir>
 #include <QFile>
@@ -31,13 +32,13 @@ QStringList DesktopEntryIndex::sessionDataDirs(const QString& root) {
     QString home = qEnvironmentVariable("XDG_DATA_HOME");
     if (home.isEmpty() || !QDir::isAbsolutePath(home))
         home = QDir::homePath() + QStringLiteral("/.local/share");
-    dirs << underRoot(root, home);
+    dirs << QString::fromStdString(rootedPath(root, home.toStdString()));
     QString system = qEnvironmentVariable("XDG_DATA_DIRS");
     if (system.isEmpty())
         system = QStringLiteral("/usr/local/share:/usr/share");
     for (const QString& dir : system.split(QLatin1Char(':'), Qt::SkipEmptyParts)) {
         if (QDir::isAbsolutePath(dir))
-            dirs << underRoot(root, dir);
+            dirs << QString::fromStdString(rootedPath(root, dir.toStdString()));
     }
     dirs.removeDuplicates();
     return dirs;
@@ -158,10 +159,10 @@ void DesktopEntryIndex::scanFolder(const QString& applicationsDir, const QString
             continue;
         seenIds.insert(id, true);
 
-        const auto text = readSmallFile(item.filePath(), 1 << 20);
+        const auto text = readSmallFile(item.filePath().toStdString(), 1 << 20);
         if (!text)
             continue;
-        const auto entry = parseDesktopEntry(*text);
+        const auto entry = parseDesktopEntry(QByteArray::fromStdString(*text));
         if (!entry || entry->isTrue(QStringLiteral("Hidden")) ||
             entry->value(QStringLiteral("Type")) != QLatin1String("Application"))
             continue;

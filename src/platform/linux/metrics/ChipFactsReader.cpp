@@ -1,7 +1,8 @@
 #include "platform/linux/metrics/ChipFactsReader.h"
 
-#include "platform/linux/metrics/KernelFile.h"
-#include "platform/linux/metrics/KernelText.h"
+#include "platform/linux/common/KernelFile.h"
+#include "platform/linux/common/KernelText.h"
+#include "platform/linux/common/RootPath.h"
 
 #include <map>
 #include <string>
@@ -19,7 +20,7 @@ QString chipName(const QString& root, const std::string& cpuinfo) {
         return textOf(*model);
     // The device-tree model is a NUL-terminated string.
     if (const auto model =
-            readWholeFile(rootedPath(root, "sys/firmware/devicetree/base/model"), 4096)) {
+            readSmallFile(rootedPath(root, "sys/firmware/devicetree/base/model"), 4096)) {
         const std::string_view name =
             trimmed(std::string_view(*model).substr(0, model->find('\0')));
         if (!name.empty())
@@ -33,7 +34,7 @@ QString chipName(const QString& root, const std::string& cpuinfo) {
 }
 
 std::optional<std::vector<unsigned>> listedCpus(const QString& root, std::string_view relative) {
-    const auto list = readWholeFile(rootedPath(root, relative), 65536);
+    const auto list = readSmallFile(rootedPath(root, relative), 65536);
     return list ? cpuList(*list) : std::nullopt;
 }
 
@@ -46,7 +47,7 @@ std::optional<std::pair<int, int>> capacityClasses(const QString& root) {
         return std::nullopt;
     std::map<std::uint64_t, int> cpusByCapacity;
     for (const unsigned cpu : *online) {
-        const auto text = readWholeFile(
+        const auto text = readSmallFile(
             rootedPath(root, "sys/devices/system/cpu/cpu" + std::to_string(cpu) + "/cpu_capacity"),
             64);
         const auto capacity = text ? parseUnsigned(trimmed(*text)) : std::nullopt;
@@ -70,7 +71,7 @@ ChipFactsReader::ChipFactsReader(QString root) : root_(std::move(root)) {}
 ChipFacts ChipFactsReader::readChipFacts() {
     ChipFacts facts;
     const std::string cpuinfo =
-        readWholeFile(rootedPath(root_, "proc/cpuinfo"), 4 << 20).value_or("");
+        readSmallFile(rootedPath(root_, "proc/cpuinfo"), 4 << 20).value_or("");
     facts.name = chipName(root_, cpuinfo);
 
     const auto core = listedCpus(root_, "sys/devices/cpu_core/cpus");

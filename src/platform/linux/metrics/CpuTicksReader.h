@@ -1,8 +1,9 @@
 #pragma once
 
 #include "core/metrics/sources/CpuTicksSource.h"
-#include "platform/linux/metrics/KernelFile.h"
+#include "platform/linux/common/KernelFile.h"
 
+#include <QString>
 #include <string_view>
 
 namespace quelmo::linux_platform {

@@ -1,6 +1,7 @@
 #include "platform/linux/metrics/EnergyReader.h"
 
-#include "platform/linux/metrics/KernelText.h"
+#include "platform/linux/common/KernelText.h"
+#include "platform/linux/common/RootPath.h"
 
 #include <QDir>
 #include <QRegularExpression>
@@ -24,7 +25,7 @@ std::optional<std::uint64_t> readCounter(KernelFile& file) {
 }
 
 std::optional<std::string> readTrimmed(const std::string& path) {
-    auto text = readWholeFile(path, 4096);
+    auto text = readSmallFile(path, 4096);
     if (!text)
         return std::nullopt;
     return std::string(trimmed(*text));

@@ -1,9 +1,10 @@
 #pragma once
 
 #include "core/metrics/sources/EnergySource.h"
-#include "platform/linux/metrics/KernelFile.h"
+#include "platform/linux/common/KernelFile.h"
 #include "platform/linux/metrics/NvmlLibrary.h"
 
+#include <QString>
 #include <memory>
 #include <string_view>
 #include <utility>

@@ -1,10 +1,11 @@
 #pragma once
 
 #include "core/metrics/sources/GpuLoadSource.h"
+#include "platform/linux/common/KernelFile.h"
 #include "platform/linux/metrics/IntelGpuPmu.h"
-#include "platform/linux/metrics/KernelFile.h"
 #include "platform/linux/metrics/NvmlLibrary.h"
 
+#include <QString>
 #include <memory>
 #include <vector>
 

@@ -1,7 +1,8 @@
 #include "platform/linux/metrics/IntelGpuPmu.h"
 
-#include "platform/linux/metrics/KernelFile.h"
-#include "platform/linux/metrics/KernelText.h"
+#include "platform/linux/common/KernelFile.h"
+#include "platform/linux/common/KernelText.h"
+#include "platform/linux/common/RootPath.h"
 
 #include <QDir>
 #include <algorithm>
@@ -86,13 +87,13 @@ IntelGpuPmu::IntelGpuPmu(const QString& root) {
             continue;
         const std::string dir =
             rootedPath(root, "sys/bus/event_source/devices/" + pmu.toStdString());
-        const auto typeText = readWholeFile(dir + "/type", 64);
+        const auto typeText = readSmallFile(dir + "/type", 64);
         const auto type = typeText ? parseUnsigned(trimmed(*typeText)) : std::nullopt;
         if (!type || *type > UINT32_MAX)
             continue;
         // System-wide counters are opened on the CPU the PMU names (the first of its mask).
         int cpu = 0;
-        if (const auto mask = readWholeFile(dir + "/cpumask", 4096)) {
+        if (const auto mask = readSmallFile(dir + "/cpumask", 4096)) {
             if (const auto cpus = cpuList(*mask); cpus && !cpus->empty())
                 cpu = static_cast<int>(cpus->front());
         }
@@ -102,7 +103,7 @@ IntelGpuPmu::IntelGpuPmu(const QString& root) {
             const std::string name = event.toStdString();
             if (!isEngineBusyEvent(name))
                 continue;
-            const auto description = readWholeFile(dir + "/events/" + name, 4096);
+            const auto description = readSmallFile(dir + "/events/" + name, 4096);
             const auto config = description ? parsePmuEventConfig(*description) : std::nullopt;
             if (!config)
                 continue;

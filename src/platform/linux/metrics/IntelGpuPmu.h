@@ -24,8 +24,6 @@ public:
     // that had a previous reading.
     std::vector<std::int64_t> readPercents();
 
-    std::size_t deviceCount() const { return devices_.size(); }
-
 private:
     struct Counter {
         int fd = -1;

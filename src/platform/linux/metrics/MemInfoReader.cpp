@@ -1,6 +1,7 @@
 #include "platform/linux/metrics/MemInfoReader.h"
 
-#include "platform/linux/metrics/KernelText.h"
+#include "platform/linux/common/KernelText.h"
+#include "platform/linux/common/RootPath.h"
 
 #include <QDir>
 #include <array>

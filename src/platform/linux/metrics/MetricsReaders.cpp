@@ -1,5 +1,6 @@
 #include "platform/linux/metrics/MetricsReaders.h"
 
+#include "platform/linux/common/RootPath.h"
 #include "platform/linux/metrics/ChipFactsReader.h"
 #include "platform/linux/metrics/CpuTicksReader.h"
 #include "platform/linux/metrics/EnergyReader.h"
@@ -8,12 +9,10 @@
 #include "platform/linux/metrics/NvmlLibrary.h"
 #include "platform/linux/metrics/ProcfsProcessReader.h"
 
-#include <QDir>
-
 namespace quelmo::linux_platform {
 
 void addMetricsReaders(Platform& platform, const QString& root) {
-    const bool liveMachine = root.isEmpty() || QDir::cleanPath(root) == QLatin1String("/");
+    const bool liveMachine = isLiveRoot(root);
     const std::shared_ptr<NvmlLibrary> nvml = liveMachine ? NvmlLibrary::load() : nullptr;
     platform.cpuTicks = std::make_unique<CpuTicksReader>(root);
     platform.chip = std::make_unique<ChipFactsReader>(root);

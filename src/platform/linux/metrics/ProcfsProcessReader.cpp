@@ -1,6 +1,8 @@
 #include "platform/linux/metrics/ProcfsProcessReader.h"
 
-#include "platform/linux/metrics/KernelText.h"
+#include "platform/linux/common/KernelText.h"
+#include "platform/linux/common/ProcStat.h"
+#include "platform/linux/common/RootPath.h"
 #include "platform/linux/metrics/ProcessToolRunner.h"
 
 #include <array>
@@ -9,7 +11,7 @@
 #include <cstdio>
 #include <dirent.h>
 #include <fcntl.h>
-#include <pwd.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
@@ -52,67 +54,6 @@ bool allDigits(std::string_view text) {
 
 } // namespace
 
-std::optional<QString> systemUserName(std::uint32_t uid) {
-    std::vector<char> buffer(16384);
-    passwd entry{};
-    passwd* found = nullptr;
-    int error = 0;
-    while ((error = ::getpwuid_r(uid, &entry, buffer.data(), buffer.size(), &found)) == ERANGE &&
-           buffer.size() < (1u << 20))
-        buffer.resize(buffer.size() * 2);
-    if (error != 0 || !found || !found->pw_name)
-        return std::nullopt;
-    return QString::fromUtf8(found->pw_name);
-}
-
-std::optional<ProcStat> parseProcStat(std::string_view stat) {
-    const std::size_t open = stat.find('(');
-    const std::size_t close = stat.rfind(')');
-    if (open == std::string_view::npos || close == std::string_view::npos || close < open)
-        return std::nullopt;
-    ProcStat parsed;
-    parsed.comm = stat.substr(open + 1, close - open - 1);
-
-    // Fields after the name, counted from 0: state is field 3 of the kernel's numbering.
-    constexpr int utime = 14 - 3, stime = 15 - 3, starttime = 22 - 3, rss = 24 - 3;
-    std::size_t pos = close + 1;
-    std::uint64_t user = 0, system = 0;
-    for (int field = 0; field <= rss; ++field) {
-        const auto word = nextWord(stat, pos);
-        if (!word)
-            return std::nullopt;
-        std::uint64_t* const target = field == utime       ? &user
-                                      : field == stime     ? &system
-                                      : field == starttime ? &parsed.startTime
-                                      : field == rss       ? &parsed.rssPages
-                                                           : nullptr;
-        if (!target)
-            continue;
-        const auto value = parseUnsigned(trimmed(*word));
-        if (!value)
-            return std::nullopt;
-        *target = *value;
-    }
-    parsed.cpuTicks = user + system;
-    return parsed;
-}
-
-std::optional<std::uint32_t> parseStatusUid(std::string_view status) {
-    std::size_t pos = 0;
-    while (const auto line = nextLine(status, pos)) {
-        if (line->substr(0, 4) != "Uid:")
-            continue;
-        std::size_t at = 4;
-        nextWord(*line, at); // real
-        const auto effective = nextWord(*line, at);
-        const auto uid = effective ? parseUnsigned(trimmed(*effective)) : std::nullopt;
-        if (!uid || *uid > UINT32_MAX)
-            return std::nullopt;
-        return static_cast<std::uint32_t>(*uid);
-    }
-    return std::nullopt;
-}
-
 QString processName(std::string_view comm, std::string_view cmdline) {
     std::string_view name = comm;
     if (comm.size() == kernelCommLength && !cmdline.empty()) {
@@ -140,7 +81,8 @@ QString processName(std::string_view comm, std::string_view cmdline) {
 
 ProcfsProcessReader::ProcfsProcessReader(const QString& root, UserLookup lookup)
     : procPath_(rootedPath(root, "proc")), toolPath_(rootedPath(root, "bin/ps")),
-      uptime_(rootedPath(root, "proc/uptime")), lookup_(std::move(lookup)) {
+      uptime_(rootedPath(root, "proc/uptime")), users_(std::move(lookup)),
+      ownersAreEffectiveUids_(isLiveRoot(root)) {
     if (const long hz = ::sysconf(_SC_CLK_TCK); hz > 0)
         ticksPerSecond_ = static_cast<std::uint64_t>(hz);
     if (const long page = ::sysconf(_SC_PAGESIZE); page > 0)
@@ -199,16 +141,27 @@ std::optional<ProcessRecord> ProcfsProcessReader::readProcess(std::string_view p
         return path.data();
     };
 
+    // The owner of /proc/[pid] is the process's effective uid, except for a process that is not
+    // dumpable (one that changed its credentials, or asked not to be), whose directory is
+    // root's. Only those, and every process of a fixture tree, whose files belong to whoever
+    // copied them, need the Uid line of status; kernel threads are root's.
+    struct stat owner {};
+    if (::fstatat(dir, file(""), &owner, 0) != 0)
+        return std::nullopt;
     std::array<char, 4096> statBuffer;
     const auto statText = readInto(dir, file("stat"), statBuffer);
     const auto stat = statText ? parseProcStat(*statText) : std::nullopt;
     if (!stat)
         return std::nullopt;
-
-    std::array<char, 1024> statusBuffer; // the Uid line comes within the first few hundred bytes
-    const auto status = readInto(dir, file("status"), statusBuffer);
-    if (!status)
-        return std::nullopt; // gone between the two reads
+    std::optional<std::uint32_t> effectiveUid = owner.st_uid;
+    if (!ownersAreEffectiveUids_ || (owner.st_uid == 0 && !stat->isKernelThread())) {
+        std::array<char, 1024> statusBuffer; // the Uid line is within the first few hundred bytes
+        const auto status = readInto(dir, file("status"), statusBuffer);
+        if (!status)
+            return std::nullopt; // gone between the two reads
+        const auto uids = parseStatusUids(*status);
+        effectiveUid = uids ? std::optional(uids->effective) : std::nullopt;
+    }
 
     ProcessRecord record;
     record.pid = static_cast<qint64>(*id);
@@ -219,21 +172,12 @@ std::optional<ProcessRecord> ProcfsProcessReader::readProcess(std::string_view p
     } else {
         record.name = processName(stat->comm, {});
     }
-    if (const auto uid = parseStatusUid(*status))
-        record.user = userName(*uid);
+    if (effectiveUid)
+        record.user = users_.nameOf(*effectiveUid);
     record.cpuTicks = stat->cpuTicks;
     record.startTime = stat->startTime;
     record.rssBytes = static_cast<double>(stat->rssPages) * pageSize_;
     return record;
-}
-
-const QString& ProcfsProcessReader::userName(std::uint32_t uid) {
-    auto found = users_.find(uid);
-    if (found == users_.end()) {
-        std::optional<QString> name = lookup_ ? lookup_(uid) : std::nullopt;
-        found = users_.insert(uid, name.value_or(QString::number(uid)));
-    }
-    return *found;
 }
 
 std::optional<QByteArray> ProcfsProcessReader::runProcessTool() {

@@ -1,7 +1,5 @@
 target_sources(quelmo_platform_linux PRIVATE
   metrics/MetricsReaders.h metrics/MetricsReaders.cpp
-  metrics/KernelFile.h metrics/KernelFile.cpp
-  metrics/KernelText.h metrics/KernelText.cpp
   metrics/CpuTicksReader.h metrics/CpuTicksReader.cpp
   metrics/ChipFactsReader.h metrics/ChipFactsReader.cpp
   metrics/MemInfoReader.h metrics/MemInfoReader.cpp

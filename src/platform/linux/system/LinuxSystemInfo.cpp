@@ -1,8 +1,6 @@
 #include "platform/linux/system/LinuxSystemInfo.h"
 
-#include <pwd.h>
 #include <unistd.h>
-#include <vector>
 
 namespace quelmo::linux_platform {
 
@@ -10,23 +8,7 @@ LinuxSystemInfo::LinuxSystemInfo(const QString& root, ThermalMonitor::Clock cloc
     : thermal_(root, std::move(clock)) {}
 
 QString LinuxSystemInfo::userName() {
-    if (!userName_.isEmpty())
-        return userName_;
-    const long suggested = ::sysconf(_SC_GETPW_R_SIZE_MAX);
-    std::vector<char> buffer(suggested > 0 ? static_cast<std::size_t>(suggested) : 4096);
-    for (int attempt = 0; attempt < 8; ++attempt) {
-        passwd entry{};
-        passwd* found = nullptr;
-        const int error = ::getpwuid_r(::getuid(), &entry, buffer.data(), buffer.size(), &found);
-        if (error == ERANGE) {
-            buffer.resize(buffer.size() * 2);
-            continue;
-        }
-        if (error == 0 && found && found->pw_name)
-            userName_ = QString::fromLocal8Bit(found->pw_name);
-        break;
-    }
-    return userName_;
+    return users_.nameOf(::getuid());
 }
 
 qint64 LinuxSystemInfo::ownPid() {

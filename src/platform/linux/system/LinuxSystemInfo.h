@@ -3,6 +3,7 @@
 // This session's user, this process and the machine's thermal state.
 
 #include "core/cleanup/SystemInfo.h"
+#include "platform/linux/common/UserNames.h"
 #include "platform/linux/system/ThermalState.h"
 
 namespace quelmo::linux_platform {
@@ -16,7 +17,7 @@ public:
 
 private:
     ThermalMonitor thermal_;
-    QString userName_; // looked up once: the user of a running process does not change
+    UserNames users_; // the same names the process table shows
 };
 
 } // namespace quelmo::linux_platform

@@ -1,6 +1,8 @@
 #include "platform/linux/system/PidfdSignaller.h"
 
-#include "platform/linux/common/ProcFiles.h"
+#include "platform/linux/common/KernelFile.h"
+#include "platform/linux/common/ProcStat.h"
+#include "platform/linux/common/RootPath.h"
 
 #include <csignal>
 #include <sys/syscall.h>
@@ -39,13 +41,13 @@ std::unique_ptr<ProcessHandle> PidfdSignaller::open(qint64 pid, std::uint64_t st
     auto handle = std::make_unique<PidfdHandle>(static_cast<int>(fd));
 
     const auto stat = readSmallFile(procPath(root_, pid, "stat"));
-    const auto actualStart = stat ? parseStartTime(*stat) : std::nullopt;
-    if (!actualStart || *actualStart != startTime)
+    const auto parsed = stat ? parseProcStat(*stat) : std::nullopt;
+    if (!parsed || parsed->startTime != startTime)
         return nullptr;
 
     // Another user's process is never signalled, even where the permissions would allow it.
     const auto status = readSmallFile(procPath(root_, pid, "status"));
-    const auto uids = status ? parseUids(*status) : std::nullopt;
+    const auto uids = status ? parseStatusUids(*status) : std::nullopt;
     const uid_t me = ::getuid();
     if (!uids || uids->real != me || uids->effective != me)
         return nullptr;

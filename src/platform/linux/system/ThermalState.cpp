@@ -1,6 +1,8 @@
 #include "platform/linux/system/ThermalState.h"
 
-#include "platform/linux/common/ProcFiles.h"
+#include "platform/linux/common/KernelFile.h"
+#include "platform/linux/common/KernelText.h"
+#include "platform/linux/common/RootPath.h"
 
 #include <QDir>
 #include <QRegularExpression>
@@ -39,24 +41,24 @@ bool throttleRose(const QHash<QString, qint64>& before, const QHash<QString, qin
 std::vector<ThermalZone> readThermalZones(const QString& root) {
     static const QRegularExpression tripType(QStringLiteral("^trip_point_(\\d+)_type$"));
     std::vector<ThermalZone> zones;
-    const QDir base(underRoot(root, QStringLiteral("/sys/class/thermal")));
+    const QDir base(QString::fromStdString(rootedPath(root, "sys/class/thermal")));
     for (const QString& name : base.entryList({QStringLiteral("thermal_zone*")},
                                               QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name)) {
         const QString dir = base.filePath(name);
-        const auto mode = readSmallFile(dir + QStringLiteral("/mode"), 64);
-        if (mode && mode->trimmed() == "disabled")
+        const auto mode = readSmallFile((dir + QStringLiteral("/mode")).toStdString(), 64);
+        if (mode && trimmed(*mode) == "disabled")
             continue;
         ThermalZone zone;
-        zone.milliC = readIntegerFile(dir + QStringLiteral("/temp"));
+        zone.milliC = readIntegerFile((dir + QStringLiteral("/temp")).toStdString());
         for (const QString& file : QDir(dir).entryList(QDir::Files, QDir::Name)) {
             const auto match = tripType.match(file);
             if (!match.hasMatch())
                 continue;
-            const auto type = readSmallFile(dir + QLatin1Char('/') + file, 64);
-            const auto temp =
-                readIntegerFile(dir + QStringLiteral("/trip_point_%1_temp").arg(match.captured(1)));
+            const auto type = readSmallFile((dir + QLatin1Char('/') + file).toStdString(), 64);
+            const auto temp = readIntegerFile(
+                (dir + QStringLiteral("/trip_point_%1_temp").arg(match.captured(1))).toStdString());
             if (type && temp)
-                zone.trips.push_back({QString::fromLatin1(type->trimmed()), *temp});
+                zone.trips.push_back({QString::fromLatin1(trimmed(*type)), *temp});
         }
         zones.push_back(std::move(zone));
     }
@@ -66,7 +68,7 @@ std::vector<ThermalZone> readThermalZones(const QString& root) {
 QHash<QString, qint64> readThrottleCounts(const QString& root) {
     static const QRegularExpression cpuName(QStringLiteral("^cpu\\d+$"));
     QHash<QString, qint64> counts;
-    const QDir cpus(underRoot(root, QStringLiteral("/sys/devices/system/cpu")));
+    const QDir cpus(QString::fromStdString(rootedPath(root, "sys/devices/system/cpu")));
     for (const QString& cpu : cpus.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
         if (!cpuName.match(cpu).hasMatch())
             continue;
@@ -74,7 +76,7 @@ QHash<QString, qint64> readThrottleCounts(const QString& root) {
         for (const QString& file :
              throttle.entryList({QStringLiteral("*_throttle_count")}, QDir::Files)) {
             const QString path = throttle.filePath(file);
-            if (const auto value = readIntegerFile(path))
+            if (const auto value = readIntegerFile(path.toStdString()))
                 counts.insert(path, *value);
         }
     }

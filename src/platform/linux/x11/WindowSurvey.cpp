@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <xcb/res.h>
+#include <xcb/xcb_icccm.h>
 
 namespace quelmo::linux_platform {
 namespace {
@@ -164,18 +165,20 @@ std::vector<WindowHints> hintsOf(XcbConnection& x, const std::vector<xcb_window_
     for (const xcb_window_t window : windows)
         cookies.push_back({x.askProperty(window, x.gtkApplicationId, textWords),
                            x.askProperty(window, x.kdeDesktopFile, textWords),
-                           x.askProperty(window, XCB_ATOM_WM_CLASS, textWords)});
+                           xcb_icccm_get_wm_class(x.raw(), window)});
     std::vector<WindowHints> hints;
     hints.reserve(windows.size());
     for (const Cookies& c : cookies) {
         WindowHints h;
         h.gtkApplicationId = textOf(x.takeProperty(c.gtk).get());
         h.kdeDesktopFile = textOf(x.takeProperty(c.kde).get());
-        const auto parts = textPartsOf(x.takeProperty(c.wmClass).get());
-        if (!parts.empty())
-            h.wmInstance = parts[0];
-        if (parts.size() > 1)
-            h.wmClass = parts[1];
+        // WM_CLASS is two Latin-1 strings: the instance name and the class name.
+        xcb_icccm_get_wm_class_reply_t wmClass{};
+        if (xcb_icccm_get_wm_class_reply(x.raw(), c.wmClass, &wmClass, nullptr)) {
+            h.wmInstance = QString::fromLatin1(wmClass.instance_name);
+            h.wmClass = QString::fromLatin1(wmClass.class_name);
+            xcb_icccm_get_wm_class_reply_wipe(&wmClass);
+        }
         hints.push_back(std::move(h));
     }
     return hints;

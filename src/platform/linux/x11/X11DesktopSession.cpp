@@ -1,11 +1,15 @@
 #include "platform/linux/x11/X11DesktopSession.h"
 
 #include "core/settings/AppLang.h"
-#include "platform/linux/common/ProcFiles.h"
+#include "platform/linux/common/KernelFile.h"
+#include "platform/linux/common/ProcStat.h"
+#include "platform/linux/common/RootPath.h"
 #include "platform/linux/x11/WindowSurvey.h"
 
 #include <QTimer>
+#include <algorithm>
 #include <poll.h>
+#include <unistd.h>
 
 namespace quelmo::linux_platform {
 namespace {
@@ -26,6 +30,8 @@ std::unique_ptr<X11DesktopSession> X11DesktopSession::connect(Options options) {
         options.language = [] { return AppLang::effective(); };
     if (options.dataDirs.isEmpty())
         options.dataDirs = DesktopEntryIndex::sessionDataDirs(options.root);
+    if (options.ownPid == 0)
+        options.ownPid = ::getpid();
     return std::unique_ptr<X11DesktopSession>(
         new X11DesktopSession(std::move(x), std::move(options)));
 }
@@ -34,6 +40,7 @@ X11DesktopSession::X11DesktopSession(std::unique_ptr<XcbConnection> x, Options o
     : x_(std::move(x)), options_(std::move(options)), index_(options_.dataDirs) {
     watchRootWindow();
     lastActive_ = activeWindow(*x_);
+    frontmostWindow(lastActive_);
     notifier_ = std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(x_->raw()),
                                                   QSocketNotifier::Read);
     QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(),
@@ -66,7 +73,8 @@ void X11DesktopSession::watchRootWindow() {
 DesktopSnapshot X11DesktopSession::snapshot() {
     if (x_->broken())
         return {};
-    const DesktopFacts facts = surveyDesktop(*x_);
+    DesktopFacts facts = surveyDesktop(*x_);
+    facts.activeWindow = frontmostWindow(facts.activeWindow, &facts);
     scheduleDrain();
     return summarize(facts);
 }
@@ -88,7 +96,8 @@ std::optional<QString> X11DesktopSession::appIdOfProcess(qint64 pid) {
     // The start time tells a remembered process from a later one with the same pid; 0 when it
     // cannot be read, and then nothing is remembered.
     const auto stat = readSmallFile(procPath(options_.root, pid, "stat"));
-    const std::uint64_t startTime = stat ? parseStartTime(*stat).value_or(0) : 0;
+    const auto parsed = stat ? parseProcStat(*stat) : std::nullopt;
+    const std::uint64_t startTime = parsed ? parsed->startTime : 0;
     const auto now = std::chrono::steady_clock::now();
     if (startTime != 0) {
         const auto cached = idCache_.constFind(pid);
@@ -97,8 +106,8 @@ std::optional<QString> X11DesktopSession::appIdOfProcess(qint64 pid) {
             return cached->appId;
     }
 
-    const QByteArray cgroup =
-        readSmallFile(procPath(options_.root, pid, "cgroup")).value_or(QByteArray());
+    const QByteArray cgroup = QByteArray::fromStdString(
+        readSmallFile(procPath(options_.root, pid, "cgroup")).value_or(std::string()));
     const auto id = resolveAppId(
         cgroup, [&] { return x_->broken() ? std::vector<WindowHints>{} : hintsOfProcess(pid); },
         index_);
@@ -150,10 +159,29 @@ std::optional<QString> X11DesktopSession::appIdOfWindow(xcb_window_t window) {
 std::optional<QString> X11DesktopSession::frontmostAppId() {
     if (x_->broken())
         return std::nullopt;
-    const auto window = activeWindow(*x_);
+    const auto window = frontmostWindow(activeWindow(*x_));
     const auto id = window ? appIdOfWindow(*window) : std::nullopt;
     scheduleDrain();
     return id;
+}
+
+std::optional<xcb_window_t> X11DesktopSession::frontmostWindow(std::optional<xcb_window_t> active,
+                                                               const DesktopFacts* facts) {
+    if (!active) {
+        lastOtherActive_.reset();
+        return std::nullopt;
+    }
+    const WindowFacts* known = nullptr;
+    if (facts) {
+        const auto found = std::find_if(facts->windows.begin(), facts->windows.end(),
+                                        [&](const WindowFacts& w) { return w.id == *active; });
+        known = found == facts->windows.end() ? nullptr : &*found;
+    }
+    const std::optional<qint64> owner = known ? known->pid : processesOf(*x_, {*active}).front();
+    if (owner == options_.ownPid)
+        return lastOtherActive_;
+    lastOtherActive_ = active;
+    return active;
 }
 
 void X11DesktopSession::setActivationHandler(std::function<void(const QString&)> handler) {
@@ -266,6 +294,9 @@ void X11DesktopSession::noticeActiveWindow(int changes) {
     // ending on it: the focus went elsewhere and came back.
     const bool changed = window != lastActive_ || changes > 1;
     lastActive_ = window;
+    // Our own popover taking the focus activates nothing: the application before it stays.
+    if (frontmostWindow(window) != window)
+        return;
     if (!changed || !window || !activationHandler_)
         return;
     if (const auto id = appIdOfWindow(*window)) {

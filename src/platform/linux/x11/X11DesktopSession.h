@@ -10,6 +10,7 @@
 #include "core/cleanup/DesktopSession.h"
 #include "platform/linux/apps/AppIdentity.h"
 #include "platform/linux/apps/DesktopEntryIndex.h"
+#include "platform/linux/x11/WindowRules.h"
 #include "platform/linux/x11/XcbConnection.h"
 
 #include <QHash>
@@ -29,6 +30,7 @@ public:
         QStringList dataDirs;               // XDG data folders, in precedence order
         const char* display = nullptr;      // nullptr: $DISPLAY
         std::function<QString()> language;  // the interface language; AppLang by default
+        qint64 ownPid = 0;                  // whose windows are Quelmo's own; 0: this process
     };
 
     // Nothing when no X display can be reached.
@@ -65,6 +67,12 @@ private:
     const WindowOwners& windowOwners();
     std::vector<xcb_window_t> windowsOf(const WindowOwners& owners, qint64 pid) const;
 
+    // The window whose application is in front: the active one, except that our own popover
+    // never counts; while it holds the focus, the window active before it still is in front.
+    // `facts`, when given, already knows the windows' owners.
+    std::optional<xcb_window_t> frontmostWindow(std::optional<xcb_window_t> active,
+                                                const DesktopFacts* facts = nullptr);
+
     void watchRootWindow();
     void onSocketReadable();
     void scheduleDrain();
@@ -79,6 +87,7 @@ private:
     std::unique_ptr<QSocketNotifier> notifier_;
     std::function<void(const QString&)> activationHandler_;
     std::optional<xcb_window_t> lastActive_;
+    std::optional<xcb_window_t> lastOtherActive_; // the latest active window not of our own
     xcb_window_t probeWindow_ = XCB_WINDOW_NONE;
     std::deque<XcbReply<xcb_generic_event_t>> setAside_; // events read while waiting for another
     QHash<qint64, CachedId> idCache_;

@@ -114,20 +114,4 @@ QString textOf(const xcb_get_property_reply_t* reply) {
     return bytes.isEmpty() ? QString() : decodeText(reply, bytes);
 }
 
-std::vector<QString> textPartsOf(const xcb_get_property_reply_t* reply) {
-    std::vector<QString> parts;
-    const QByteArray bytes = bytesOf(reply);
-    if (bytes.isEmpty())
-        return parts;
-    qsizetype start = 0;
-    while (start < bytes.size()) {
-        qsizetype nul = bytes.indexOf('\0', start);
-        if (nul < 0)
-            nul = bytes.size();
-        parts.push_back(decodeText(reply, bytes.sliced(start, nul - start)));
-        start = nul + 1;
-    }
-    return parts;
-}
-
 } // namespace quelmo::linux_platform

@@ -66,7 +66,5 @@ std::optional<std::uint32_t> firstCardinalOf(const xcb_get_property_reply_t* rep
 // A text property (STRING or UTF8_STRING), up to its first NUL.
 QString textOf(const xcb_get_property_reply_t* reply);
 QByteArray bytesOf(const xcb_get_property_reply_t* reply);
-// The NUL-separated parts of a text property such as WM_CLASS.
-std::vector<QString> textPartsOf(const xcb_get_property_reply_t* reply);
 
 } // namespace quelmo::linux_platform

@@ -3,9 +3,10 @@
 #include "core/metrics/MemoryMonitor.h"
 #include "core/metrics/ProcessListText.h"
 #include "core/metrics/ProcessMonitor.h"
+#include "platform/linux/common/KernelFile.h"
+#include "platform/linux/common/ProcStat.h"
 #include "platform/linux/metrics/ChipFactsReader.h"
 #include "platform/linux/metrics/CpuTicksReader.h"
-#include "platform/linux/metrics/KernelFile.h"
 #include "platform/linux/metrics/MemInfoReader.h"
 #include "platform/linux/metrics/ProcessToolRunner.h"
 #include "platform/linux/metrics/ProcfsProcessReader.h"
@@ -106,7 +107,7 @@ TEST(SystemComparisonTest, ProcfsSnapshotAgreesWithPs) {
     for (const auto& [pid, row] : ps) {
         if (ours.count(pid) || oursAfter.count(pid))
             continue;
-        const auto stat = readWholeFile("/proc/" + std::to_string(pid) + "/stat");
+        const auto stat = readSmallFile("/proc/" + std::to_string(pid) + "/stat");
         const auto parsed = stat ? parseProcStat(*stat) : std::nullopt;
         if (parsed) {
             EXPECT_GE(static_cast<double>(parsed->startTime) + 1.0, start * 100.0)

@@ -133,6 +133,46 @@ TEST_F(X11DesktopSessionTest, ActivationsUpdateTheFocusHistory) {
     EXPECT_EQ(stored(), (QStringList{alphaId, bravoId}));
 }
 
+// Our own popover taking the focus: the application the user was working in stays in front (and
+// so is never offered for cutting), and nothing counts as an activation until another program
+// takes the focus. The "popover" here is a test window whose process the session takes as its own.
+TEST_F(X11DesktopSessionTest, OurOwnWindowTakingTheFocusLeavesTheApplicationInFront) {
+    const auto alpha = client({"--class", "alpha,AlphaApp"});
+    const auto bravo = client({"--gtk-app-id", "test.bravo", "--class", "bravo,Bravo"});
+    tree.write("data/applications/test.quelmo.desktop",
+               "[Desktop Entry]\nType=Application\nName=Quelmo\n");
+    const auto popover = client({"--gtk-app-id", "test.quelmo", "--class", "popover,Popover"});
+    session = X11DesktopSession::connect({.dataDirs = {tree.path(QStringLiteral("data"))},
+                                          .display = server()->display().c_str(),
+                                          .language = [this] { return language; },
+                                          .ownPid = popover->pid()});
+    ASSERT_TRUE(session);
+    QStringList activations;
+    session->setActivationHandler([&](const QString& id) { activations << id; });
+
+    ASSERT_TRUE(run("xdotool search --classname alpha windowactivate --sync"));
+    ASSERT_TRUE(spinUntil([&] { return session->snapshot().frontmostPID == alpha->pid(); }));
+    activations.clear();
+    for (int opening = 0; opening < 2; ++opening) {
+        ASSERT_TRUE(run("xdotool search --classname popover windowactivate --sync"));
+        for (int i = 0; i < 10; ++i) { // let every focus event arrive
+            QCoreApplication::processEvents();
+            QThread::msleep(50);
+        }
+        EXPECT_EQ(session->snapshot().frontmostPID, std::optional<qint64>(alpha->pid()));
+        EXPECT_EQ(session->frontmostAppId(), std::optional<QString>(QStringLiteral("test.alpha")));
+        ASSERT_TRUE(run("xdotool search --classname alpha windowactivate --sync"));
+    }
+    EXPECT_FALSE(activations.contains(QStringLiteral("test.quelmo")));
+
+    // Another application taking the focus from the popover is in front at once.
+    ASSERT_TRUE(run("xdotool search --classname popover windowactivate --sync"));
+    ASSERT_TRUE(run("wmctrl -x -a bravo.Bravo"));
+    ASSERT_TRUE(spinUntil([&] { return session->snapshot().frontmostPID == bravo->pid(); }));
+    ASSERT_TRUE(spinUntil([&] { return activations.contains(QStringLiteral("test.bravo")); }));
+    EXPECT_FALSE(activations.contains(QStringLiteral("test.quelmo")));
+}
+
 // A real GTK application from the distribution, on a private session bus: its id, its name in
 // both languages, and a close request through the window manager.
 TEST_F(X11DesktopSessionTest, MousepadIsRecognisedAndClosesPolitely) {

@@ -1,10 +1,9 @@
 #pragma once
 
-// Reading the kernel's text files (procfs, sysfs) under a root directory that a fixture tree
-// can stand in for.
+// Reading the kernel's text files (procfs, sysfs).
 
-#include <QString>
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -12,11 +11,12 @@
 
 namespace quelmo::linux_platform {
 
-// `relative` (no leading '/') under `root`: ("/", "proc/stat") gives "/proc/stat".
-std::string rootedPath(const QString& root, std::string_view relative);
+// The whole of a small file, at most `limit` bytes; nothing when it cannot be opened or read or
+// is larger. A process can vanish between two reads, and a fixture tree may hold any bytes.
+std::optional<std::string> readSmallFile(const std::string& path, std::size_t limit = 1 << 16);
 
-// The whole of a small file, at most `limit` bytes; nothing when it cannot be opened or read.
-std::optional<std::string> readWholeFile(const std::string& path, std::size_t limit = 1 << 20);
+// The first whitespace-delimited integer of a file such as sysfs "temp" or "*_count".
+std::optional<std::int64_t> readIntegerFile(const std::string& path);
 
 // A file kept open and read again from offset 0 on every look. procfs and sysfs produce fresh
 // contents for a read at offset 0, so a per-tick reading costs one system call and no

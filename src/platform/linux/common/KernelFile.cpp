@@ -1,4 +1,6 @@
-#include "platform/linux/metrics/KernelFile.h"
+#include "platform/linux/common/KernelFile.h"
+
+#include "platform/linux/common/KernelText.h"
 
 #include <cerrno>
 #include <fcntl.h>
@@ -22,17 +24,7 @@ ssize_t preadRetrying(int fd, char* data, std::size_t size) {
 
 } // namespace
 
-std::string rootedPath(const QString& root, std::string_view relative) {
-    std::string path = root.isEmpty() ? std::string("/") : root.toStdString();
-    if (path.back() != '/')
-        path.push_back('/');
-    while (!relative.empty() && relative.front() == '/')
-        relative.remove_prefix(1);
-    path.append(relative);
-    return path;
-}
-
-std::optional<std::string> readWholeFile(const std::string& path, std::size_t limit) {
+std::optional<std::string> readSmallFile(const std::string& path, std::size_t limit) {
     KernelFile file(path);
     if (!file.isOpen())
         return std::nullopt;
@@ -40,6 +32,17 @@ std::optional<std::string> readWholeFile(const std::string& path, std::size_t li
     if (!contents || contents->size() > limit)
         return std::nullopt;
     return std::string(*contents);
+}
+
+std::optional<std::int64_t> readIntegerFile(const std::string& path) {
+    const auto text = readSmallFile(path, 4096);
+    if (!text)
+        return std::nullopt;
+    std::size_t linePos = 0;
+    const auto line = nextLine(trimmed(*text), linePos);
+    std::size_t wordPos = 0;
+    const auto word = line ? nextWord(trimmed(*line), wordPos) : std::nullopt;
+    return word ? parseSigned(*word) : std::nullopt;
 }
 
 KernelFile::KernelFile(const std::string& path) {

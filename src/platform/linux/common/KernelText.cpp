@@ -1,4 +1,4 @@
-#include "platform/linux/metrics/KernelText.h"
+#include "platform/linux/common/KernelText.h"
 
 #include <charconv>
 
