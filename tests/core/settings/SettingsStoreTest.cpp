@@ -47,6 +47,7 @@ TEST(SettingsStoreTest, EveryKeyIsStoredUnderItsNameAndSurvivesARestart) {
         engine.observe({ProcInfo{1, "mousepad", 12.0, 0, "alice"}});
     EXPECT_FALSE(QSettings().contains(baselinesKey)); // written every 30th observation
     engine.observe({});
+    engine.waitForWrites();
     ASSERT_TRUE(LoginItem::set(true)); // kept nowhere but in the autostart entry
 
     const QByteArray text = settingsFileText();
@@ -85,6 +86,18 @@ TEST(SettingsStoreTest, DamagedFilesAndValuesReadAsDefaultsAndSpareTheOtherKeys)
     EXPECT_EQ(Preferences::catStyleRaw(), "black");
     EXPECT_EQ(QSettings().value(baselinesKey).toByteArray(), "not json");
     EXPECT_TRUE(settingsFileText().contains("quelmo.catStyle=black"));
+}
+
+TEST(SettingsStoreTest, TheFocusHistoryKeepsTheMostRecentApplications) {
+    test::TempSettings::clear();
+    QVariantMap history;
+    for (qsizetype i = 0; i < FocusTracker::maxEntries + 3; ++i)
+        history.insert(QStringLiteral("app-%1").arg(i), 1.7e9 + static_cast<double>(i));
+    QSettings().setValue(SettingsKeys::focusLastActive, history);
+    const FocusTracker tracker(nullptr);
+    for (int i = 0; i < 3; ++i)
+        EXPECT_FALSE(tracker.lastActiveSeconds(QStringLiteral("app-%1").arg(i))) << i;
+    EXPECT_EQ(tracker.lastActiveSeconds("app-3"), 1.7e9 + 3);
 }
 
 } // namespace
