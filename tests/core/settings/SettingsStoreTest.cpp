@@ -11,6 +11,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QSettings>
+#include <cmath>
 #include <gtest/gtest.h>
 
 using namespace quelmo;
@@ -98,6 +99,24 @@ TEST(SettingsStoreTest, TheFocusHistoryKeepsTheMostRecentApplications) {
     for (int i = 0; i < 3; ++i)
         EXPECT_FALSE(tracker.lastActiveSeconds(QStringLiteral("app-%1").arg(i))) << i;
     EXPECT_EQ(tracker.lastActiveSeconds("app-3"), 1.7e9 + 3);
+}
+
+TEST(SettingsStoreTest, AStoredSensitivityThatIsNotAFiniteNumberLeavesTheDefault) {
+    for (const char* text : {"nan", "NaN", "inf", "-inf", "1e999", "-1e999", "0x1p3", ""}) {
+        writeSettingsFile(QByteArray("[General]\nnuvex.sensitivity=") + text + "\n");
+        EXPECT_DOUBLE_EQ(SystemMetrics{Platform{}}.sensitivity(), 0.5) << text;
+    }
+    for (const double value : {std::nan(""), HUGE_VAL}) { // stored as typed values
+        test::TempSettings::clear();
+        QSettings().setValue(SettingsKeys::sensitivity, value);
+        EXPECT_DOUBLE_EQ(SystemMetrics{Platform{}}.sensitivity(), 0.5) << value;
+    }
+    // Finite values are used as they are, even outside the slider's range.
+    for (const double value : {0.8, -3.0, 1e300}) {
+        writeSettingsFile(QByteArray("[General]\nnuvex.sensitivity=") +
+                          QByteArray::number(value, 'g', 17) + "\n");
+        EXPECT_DOUBLE_EQ(SystemMetrics{Platform{}}.sensitivity(), value) << value;
+    }
 }
 
 } // namespace
