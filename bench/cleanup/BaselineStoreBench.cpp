@@ -39,8 +39,9 @@ public:
             document.baselines.insert(name, {3.41 + i % 17, 40.2 + i % 31, 1830 + i});
             document.lastSeen.insert(name, today);
         }
-        QSettings().setValue(key, *BaselineEngine::encode(document));
-        QSettings().sync();
+        const std::unique_ptr<QSettings> file = BaselineEngine::openStore();
+        file->setValue(key, *BaselineEngine::encode(document));
+        file->sync();
     }
 
 private:

@@ -1,5 +1,8 @@
 #include "core/cleanup/BaselineEngine.h"
 
+#include "core/settings/SettingsKeys.h"
+
+#include <QCoreApplication>
 #include <QDateTime>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -139,8 +142,25 @@ void BaselineEngine::prune(Document& document, qint64 today) {
     }
 }
 
+std::unique_ptr<QSettings> BaselineEngine::openStore() {
+    return std::make_unique<QSettings>(QSettings::NativeFormat, QSettings::UserScope,
+                                       QCoreApplication::organizationName(),
+                                       QLatin1String(SettingsKeys::baselinesFile));
+}
+
 void BaselineEngine::load() {
-    const QVariant stored = QSettings().value(defaultsKey_);
+    const std::unique_ptr<QSettings> store = openStore();
+    QVariant stored = store->value(defaultsKey_);
+    if (!stored.isValid()) {
+        // Earlier versions kept the document in the settings file itself: it moves out, as it is.
+        QSettings settings;
+        stored = settings.value(defaultsKey_);
+        if (stored.isValid()) {
+            store->setValue(defaultsKey_, stored);
+            store->sync();
+            settings.remove(defaultsKey_);
+        }
+    }
     if (stored.metaType().id() != QMetaType::QByteArray)
         return;
     const qint64 today = today_();
@@ -154,10 +174,8 @@ void BaselineEngine::save() {
     prune(store_, today_());
     // The copy shares the tables with the store until the next observation changes them.
     writer_->start([document = store_, key = defaultsKey_] {
-        if (const auto bytes = encode(document)) {
-            QSettings settings;
-            settings.setValue(key, *bytes);
-        }
+        if (const auto bytes = encode(document))
+            openStore()->setValue(key, *bytes);
     });
 }
 

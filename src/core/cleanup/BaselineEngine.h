@@ -7,6 +7,7 @@
 #include <QHash>
 #include <QString>
 
+class QSettings;
 class QThreadPool;
 #include <functional>
 #include <memory>
@@ -86,6 +87,9 @@ public:
     // when the document does not decode, or the statistics cannot be encoded.
     static std::optional<Document> decode(const QByteArray& document, qint64 today);
     static std::optional<QByteArray> encode(const Document& document);
+
+    // The settings file the document is kept in, beside the program's settings file.
+    static std::unique_ptr<QSettings> openStore();
 
     // Drops from `document` what has aged out on `today`, then the oldest beyond `maxEntries`.
     static void prune(Document& document, qint64 today);

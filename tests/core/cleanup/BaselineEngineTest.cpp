@@ -25,7 +25,7 @@ void heat(BaselineEngine& engine, qint64 pid, int k) {
 // Starts from a clean settings file holding `document` as the stored statistics.
 void store(const QByteArray& document) {
     TempSettings::clear();
-    QSettings().setValue(key, document);
+    BaselineEngine::openStore()->setValue(key, document);
 }
 
 TEST(BaselineEngineTest, FoldsEachNameFromZeroAndCountsBusyStreaksPerLivePid) {
@@ -110,7 +110,7 @@ QByteArray entry(const QString& name, qint64 samples, qint64 lastSeen) {
 }
 
 QJsonObject storedDocument() {
-    return QJsonDocument::fromJson(QSettings().value(key).toByteArray()).object();
+    return QJsonDocument::fromJson(BaselineEngine::openStore()->value(key).toByteArray()).object();
 }
 
 constexpr qint64 day = 20000;
@@ -191,10 +191,20 @@ TEST(BaselineStoreTest, UnreadableDaysDiscardTheDocumentAndFlushWritesAtOnce) {
     TempSettings::clear();
     BaselineEngine engine(key, [] { return day; });
     engine.observe({proc(1, "editor", 20, 0)});
-    EXPECT_FALSE(QSettings().contains(key));
+    EXPECT_FALSE(BaselineEngine::openStore()->contains(key));
     engine.flush(); // what a clean exit calls: no wait for the 30th observation
     EXPECT_EQ(BaselineEngine(key, [] { return day; }).baselines().value("editor"),
               (BaselineEngine::Stat{0.6, 12, 1}));
+}
+
+TEST(BaselineStoreTest, ADocumentInTheSettingsFileMovesToItsOwnFile) {
+    TempSettings::clear();
+    QSettings().setValue(key, entry("editor", 40, day));
+    QSettings().setValue("other", 1);
+    EXPECT_EQ(BaselineEngine(key, [] { return day; }).baselines().value("editor").samples, 40);
+    EXPECT_FALSE(QSettings().contains(key));
+    EXPECT_TRUE(QSettings().contains("other"));
+    EXPECT_EQ(BaselineEngine(key, [] { return day; }).baselines().value("editor").samples, 40);
 }
 
 } // namespace
