@@ -14,12 +14,13 @@ build_pkgs=(
   qml6-module-qtqml-workerscript
   libxcb1-dev libxcb-ewmh-dev libxcb-res0-dev libxcb-icccm4-dev
   procps ccache
+  fonts-noto-cjk
 )
 test_pkgs=(
   googletest libgtest-dev libgmock-dev libbenchmark-dev clang-format
   xvfb xauth openbox xfce4-panel dbus dbus-x11 at-spi2-core
   xdotool wmctrl x11-utils x11-apps imagemagick mousepad desktop-file-utils
-  python3
+  python3 python3-pyatspi gir1.2-atspi-2.0
   libglib2.0-bin
 )
 

@@ -5,8 +5,15 @@
 
 #include "core/advisor/LanguageModel.h"
 #include "core/cleanup/DesktopSession.h"
+#include "core/cleanup/ProcessSignaller.h"
+#include "core/cleanup/SystemInfo.h"
 #include "core/metrics/PowerMonitor.h"
-#include "core/metrics/sources/SystemSources.h"
+#include "core/metrics/sources/ChipFactsSource.h"
+#include "core/metrics/sources/CpuTicksSource.h"
+#include "core/metrics/sources/EnergySource.h"
+#include "core/metrics/sources/GpuLoadSource.h"
+#include "core/metrics/sources/MemorySource.h"
+#include "core/metrics/sources/ProcessSource.h"
 
 #include <memory>
 

@@ -10,6 +10,7 @@
 # runs every check, or only those named (without "check_").
 
 import contextlib
+import json
 import os
 import re
 import signal
@@ -24,7 +25,10 @@ from desktop_session import DesktopSession, SessionError, wait_until  # noqa: E4
 SNI = "org.kde.StatusNotifierItem"
 TITLE = re.compile(r"^(\d{1,2}|100)% (\d{1,2}|100)%$")
 OVERALL_SECONDS = 540
-POPOVER_SIZE = (320, 420)
+POPOVER_WIDTH = 320
+# Debian's own Python, which has pyatspi (python3-pyatspi), reads the accessibility tree.
+ATSPI_PYTHON = "/usr/bin/python3"
+ATSPI_PROBE = os.path.join(os.path.dirname(os.path.abspath(__file__)), "atspi_probe.py")
 
 
 class CheckFailed(AssertionError):
@@ -71,7 +75,8 @@ def click(session, x, y, button=1):
 def popover(session):
     found = session.run(["xdotool", "search", "--onlyvisible", "--class", "^quelmo$"])
     shown = [(w, session.window_geometry(w)) for w in found.stdout.split()]
-    return next(((w, g) for w, g in shown if g and g[2:] == POPOVER_SIZE), None)
+    # The popover is 320 wide and as tall as its content allows.
+    return next(((w, g) for w, g in shown if g and g[2] == POPOVER_WIDTH and g[3] >= 300), None)
 
 
 def wait_popover(session, shown):
@@ -82,6 +87,42 @@ def wait_popover(session, shown):
     wait_until(lambda: session.run(["xdotool", "getactivewindow"]).stdout.strip() == window, 20,
                "the popover to take the keyboard")
     return geometry
+
+
+def accessible_tree(session, proc):
+    # The showing objects of the program as AT-SPI reports them: role, name, description, extents.
+    result = session.run([ATSPI_PYTHON, ATSPI_PROBE, "tree", str(proc.pid)])
+    return [json.loads(line) for line in result.stdout.splitlines()]
+
+
+def accessible_names(session, proc):
+    return {node["name"] for node in accessible_tree(session, proc)}
+
+
+def accessible_named(session, proc, name, role=None):
+    return next((n for n in accessible_tree(session, proc)
+                 if n["name"] == name and (role is None or n["role"] == role) and n["extents"]),
+                None)
+
+
+def press_accessible(session, proc, name):
+    result = session.run([ATSPI_PYTHON, ATSPI_PROBE, "press", str(proc.pid), name])
+    expect(result.returncode == 0, f"could not press {name!r}: {result.stderr.strip()}")
+
+
+def click_centre(session, extents):
+    x, y, w, h = extents
+    click(session, x + w // 2, y + h // 2)
+
+
+def stored_setting(session, key):
+    path = os.path.join(session.env["XDG_CONFIG_HOME"], "quelmo", "quelmo.conf")
+    try:
+        with open(path, encoding="utf-8") as f:
+            found = re.search(rf"^{re.escape(key)}=(.*)$", f.read(), re.M)
+    except FileNotFoundError:
+        return None
+    return found.group(1) if found else None
 
 
 def item_on_panel(session):
@@ -184,9 +225,9 @@ def check_clicks_toggle_the_popover(session, binary):
         # Right after a focus-loss close a click is taken as the one that closed it: pause.
         time.sleep(1)
         # A host that passes the pointer position (KDE): the popover hangs under that point.
-        sni(session, service, "Activate", 640, 300)
-        expect(wait_popover(session, True)[:2] == (480, 304), "the popover is not under (640, 300)")
-        sni(session, service, "Activate", 640, 300)
+        sni(session, service, "Activate", 640, 100)
+        expect(wait_popover(session, True)[:2] == (480, 104), "the popover is not under (640, 100)")
+        sni(session, service, "Activate", 640, 100)
         wait_popover(session, False)
         expect(proc.poll() is None, "the program ended")
 
@@ -232,11 +273,48 @@ def check_xembed_fallback(session, binary):
         wait_popover(session, False)
 
 
+def check_popover_content_language_style_and_quit(session, binary):
+    # What a user sees in the popover, read as assistive technologies read it; then the footer:
+    # the language picker, a cat swatch and Quit.
+    env = {"QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1"}
+    with running(session, [binary], env) as proc:
+        service = registered(session, proc)
+        sni(session, service, "Activate", 640, 300)
+        wait_popover(session, True)
+        english = {"Quelmo", "total power", "CPU", "GPU", "Neural Engine", "Memory", "Power",
+                   "Language", "Cat", "Launch at login", "Updated every 1s", "Quit", "White",
+                   "Grey", "Cheese", "Black"}
+        names = wait_until(lambda: (n := accessible_names(session, proc)) >= english and n, 30,
+                           "the popover's texts over AT-SPI")
+        expect(any(re.fullmatch(r"\d+%", n) for n in names), f"no percentage among {names}")
+        expect(any(re.fullmatch(r"\d+\.\d / \d+\.\d GB", n) for n in names),
+               f"no memory detail among {names}")
+
+        picker = wait_until(lambda: accessible_named(session, proc, "System", "combo box"), 10,
+                            "the language picker")
+        click_centre(session, picker["extents"])
+        korean = wait_until(lambda: accessible_named(session, proc, "한국어"), 10,
+                            "the picker's choices")
+        click_centre(session, korean["extents"])
+        footer = {"언어", "고양이", "로그인 시 자동 실행", "1초마다 갱신", "종료", "까망이"}
+        names = wait_until(lambda: (n := accessible_names(session, proc)) >= footer and n, 15,
+                           "the footer in Korean")
+        expect("Quit" not in names and "Language" not in names, "English left in the footer")
+        expect(stored_setting(session, "quelmo.lang") == "ko", "the language was not stored")
+
+        press_accessible(session, proc, "까망이")
+        wait_until(lambda: stored_setting(session, "quelmo.catStyle") == "black", 10,
+                   "the black style to be stored")
+
+        press_accessible(session, proc, "종료")
+        expect(proc.wait(20) == 0, f"Quit in the footer exited with {proc.returncode}")
+
+
 def check_quit_signals_save_and_leave_the_tray(session, binary):
-    settings = os.path.join(session.env["XDG_CONFIG_HOME"], "quelmo", "quelmo.conf")
+    baselines = os.path.join(session.env["XDG_CONFIG_HOME"], "quelmo", "baselines.conf")
     for signo in (signal.SIGTERM, signal.SIGINT, signal.SIGHUP):
         with contextlib.suppress(FileNotFoundError):
-            os.remove(settings)
+            os.remove(baselines)
         with running(session, [binary]) as proc:
             service = registered(session, proc)
             # A few refreshes with the popover open: far fewer than the 30 between two saves.
@@ -248,11 +326,12 @@ def check_quit_signals_save_and_leave_the_tray(session, binary):
             wait_until(lambda: not [i for i in session.registered_items()
                                     if i.startswith(f"{SNI}-{proc.pid}-")], 20,
                        f"the item to leave the tray after {signo.name}")
-            with open(settings) as f:
+            with open(baselines) as f:
                 expect("nuvex.baselines.v1=" in f.read(), f"no baselines saved on {signo.name}")
 
 
 CHECKS = [check_title_follows_load, check_clicks_toggle_the_popover,
+          check_popover_content_language_style_and_quit,
           check_second_launch_hands_over, check_host_menu_quits, check_xembed_fallback,
           check_quit_signals_save_and_leave_the_tray]
 

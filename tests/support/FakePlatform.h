@@ -3,6 +3,7 @@
 // Scriptable stand-ins for the machine, for tests of the hub and the rules above the readers.
 
 #include "core/Platform.h"
+#include "core/metrics/ProcInfo.h"
 
 #include <deque>
 #include <utility>

@@ -38,6 +38,7 @@ void Popover::show(QPoint anchor) {
         if (!surface_)
             return;
         connect(surface_.get(), &PopoverSurface::closedByUser, this, &Popover::surfaceClosed);
+        connect(surface_.get(), &PopoverSurface::quitRequested, this, &Popover::quitRequested);
     }
     if (!shown_) {
         shown_ = true;

@@ -47,6 +47,8 @@ public:
 signals:
     void willShow();
     void didClose();
+    // Quit, chosen inside the popover.
+    void quitRequested();
 
 private:
     void surfaceClosed(PopoverSurface::CloseReason reason);

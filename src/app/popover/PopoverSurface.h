@@ -25,6 +25,8 @@ signals:
     // The window went away by itself: it lost the focus or the user pressed Escape. It is
     // already hidden when this arrives.
     void closedByUser(quelmo::PopoverSurface::CloseReason reason);
+    // The user asked, from inside the popover, to end the program.
+    void quitRequested();
 };
 
 } // namespace quelmo

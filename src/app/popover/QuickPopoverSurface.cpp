@@ -1,13 +1,18 @@
 #include "app/popover/QuickPopoverSurface.h"
 
 #include "app/popover/Popover.h"
+#include "app/popover/PopoverContext.h"
 #include "app/popover/PopoverPlacement.h"
+#include "app/popover/PopoverQml.h"
+#include "app/popover/PopoverRules.h"
 #include "app/shell/X11Desktop.h"
 #include "core/metrics/SystemMetrics.h"
 
 #include <QGuiApplication>
 #include <QKeyEvent>
+#include <QQuickItem>
 #include <QScreen>
+#include <cmath>
 
 namespace quelmo {
 
@@ -30,15 +35,28 @@ private:
 
 QuickPopoverSurface::QuickPopoverSurface(SystemMetrics& metrics, QObject* parent)
     : PopoverSurface(parent), window_(std::make_unique<Window>(*this)) {
+    PopoverContext::Hooks hooks;
+    // Verdicts are asked for again in the new language.
+    hooks.languageChanged = [&metrics] { metrics.reevaluateAI(); };
+    context_ = new PopoverContext(&metrics, std::move(hooks), this);
+    connect(&metrics, &SystemMetrics::topCPUChanged, context_,
+            [this, &metrics] { context_->topCPU()->setRows(metrics.topCPU()); });
+    connect(&metrics, &SystemMetrics::topMemChanged, context_,
+            [this, &metrics] { context_->topMem()->setRows(metrics.topMem()); });
+    context_->topCPU()->setRows(metrics.topCPU());
+    context_->topMem()->setRows(metrics.topMem());
+    connect(context_, &PopoverContext::quitRequested, this, &PopoverSurface::quitRequested);
+
     QQuickView& w = *window_;
     w.setTitle(QStringLiteral("Quelmo"));
     w.setFlags(Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
+    w.setColor(Qt::transparent);
     w.setResizeMode(QQuickView::SizeRootObjectToView);
-    w.setMinimumSize({width, height});
-    w.setMaximumSize({width, height});
-    w.resize(width, height);
-    w.setInitialProperties({{QStringLiteral("metrics"), QVariant::fromValue(&metrics)}});
-    w.setSource(QUrl(QStringLiteral("qrc:/quelmo/qml/Popover.qml")));
+    registerPopoverQml(*w.engine());
+    w.setInitialProperties({{QStringLiteral("context"), QVariant::fromValue(context_)}});
+    w.setSource(QUrl(QString::fromLatin1(popoverViewUrl)));
+    if (QQuickItem* view = w.rootObject())
+        connect(view, &QQuickItem::implicitHeightChanged, this, &QuickPopoverSurface::fitToContent);
 
     // The focus as the window manager sees it (its active window) where there is one: Qt's
     // activation state can lag behind it when the popover is hidden and shown again quickly,
@@ -54,14 +72,18 @@ QuickPopoverSurface::QuickPopoverSurface(SystemMetrics& metrics, QObject* parent
 QuickPopoverSurface::~QuickPopoverSurface() = default;
 
 void QuickPopoverSurface::showAt(QPoint anchor) {
+    anchor_ = anchor;
     QScreen* screen = QGuiApplication::screenAt(anchor);
     if (!screen)
         screen = QGuiApplication::primaryScreen();
     QQuickView& w = *window_;
-    if (screen) {
+    if (screen)
         w.setScreen(screen);
-        w.setGeometry(popoverGeometry(anchor, {width, height}, screen->availableGeometry()));
-    }
+    context_->setMaxHeight(PopoverRules::maxHeight(
+        screen ? std::optional<double>(screen->availableGeometry().height()) : std::nullopt));
+    context_->reload();
+    context_->setShown(true);
+    fitToContent();
     // Keep the panel out of taskbars and pagers: it belongs to the tray item, not to the window
     // list. (Window managers drop the state of a hidden window, so it is set on every show.)
     x11::skipTaskbarAndPager(w);
@@ -83,8 +105,23 @@ void QuickPopoverSurface::focusMoved(bool toThisWindow) {
         closeBy(CloseReason::FocusLost);
 }
 
+void QuickPopoverSurface::fitToContent() {
+    QQuickView& w = *window_;
+    const QQuickItem* view = w.rootObject();
+    const int height = view ? static_cast<int>(std::ceil(view->implicitHeight()))
+                            : static_cast<int>(PopoverRules::initialContentHeight);
+    const QSize size(width, height);
+    w.setMinimumSize(size);
+    w.setMaximumSize(size);
+    if (const QScreen* screen = w.screen())
+        w.setGeometry(popoverGeometry(anchor_, size, screen->availableGeometry()));
+    else
+        w.resize(size);
+}
+
 void QuickPopoverSurface::hide() {
     hadFocus_ = false;
+    context_->setShown(false);
     window_->hide();
 }
 

@@ -7,21 +7,22 @@
 
 namespace quelmo {
 
+class PopoverContext;
 class SystemMetrics;
 
 namespace x11 {
 class ActiveWindowWatch;
 }
 
-// The popover's window: a frameless, always-on-top Qt Quick window without a taskbar entry,
-// placed under the click and kept inside the screen's free area. It closes itself when it
-// loses the focus after having had it, or on Escape.
+// The popover's window: a frameless, always-on-top Qt Quick window without a taskbar entry that
+// shows PopoverView. It is as tall as the view asks (its content, up to the screen's limit), hangs
+// under the click and stays inside the screen's free area as its height changes. It closes itself
+// when it loses the focus after having had it, or on Escape.
 class QuickPopoverSurface : public PopoverSurface {
     Q_OBJECT
 
 public:
     static constexpr int width = 320;
-    static constexpr int height = 420;
 
     explicit QuickPopoverSurface(SystemMetrics& metrics, QObject* parent = nullptr);
     ~QuickPopoverSurface() override;
@@ -33,10 +34,14 @@ private:
     class Window;
     void closeBy(CloseReason reason);
     void focusMoved(bool toThisWindow);
+    // Sizes the window to the view's height and places it under the anchor again.
+    void fitToContent();
 
     std::unique_ptr<Window> window_;
+    PopoverContext* context_ = nullptr; // child QObject
     x11::ActiveWindowWatch* activeWindow_ = nullptr;
     bool hadFocus_ = false;
+    QPoint anchor_;
 };
 
 } // namespace quelmo

@@ -14,6 +14,7 @@ AppDelegate::AppDelegate(Platform platform, Shell shell, QObject* parent)
       metrics_(std::move(platform)), shell_(std::move(shell)) {
     connect(&popover_, &Popover::willShow, this, &AppDelegate::popoverWillShow);
     connect(&popover_, &Popover::didClose, this, &AppDelegate::popoverDidClose);
+    connect(&popover_, &Popover::quitRequested, this, &AppDelegate::quit);
 }
 
 AppDelegate::~AppDelegate() {

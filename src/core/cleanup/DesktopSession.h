@@ -7,7 +7,6 @@
 #include <QString>
 #include <cstdint>
 #include <functional>
-#include <memory>
 #include <optional>
 
 namespace quelmo {
@@ -40,30 +39,6 @@ public:
     // Asks every top-level window of the process to close through the window manager.
     // True when at least one window was asked.
     virtual bool requestClose(qint64 pid) = 0;
-};
-
-// Facts about this machine and session that the rules read.
-class SystemInfo {
-public:
-    virtual ~SystemInfo() = default;
-    virtual QString userName() = 0;
-    virtual qint64 ownPid() = 0;
-    virtual bool thermalNominal() = 0;
-};
-
-// A process pinned by a handle taken while it was known to be the same process, so the
-// signal can never reach a later process that reused the pid.
-class ProcessHandle {
-public:
-    virtual ~ProcessHandle() = default;
-    virtual bool sendTerminate() = 0; // SIGTERM; never anything stronger
-};
-
-class ProcessSignaller {
-public:
-    virtual ~ProcessSignaller() = default;
-    // Nothing when the pid is gone or now belongs to a process started at another time.
-    virtual std::unique_ptr<ProcessHandle> open(qint64 pid, std::uint64_t startTime) = 0;
 };
 
 } // namespace quelmo

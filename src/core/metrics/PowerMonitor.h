@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/metrics/sources/SystemSources.h"
+#include "core/metrics/sources/EnergySource.h"
 
 #include <QString>
 #include <functional>

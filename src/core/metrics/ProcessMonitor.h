@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/metrics/ProcInfo.h"
-#include "core/metrics/sources/SystemSources.h"
+#include "core/metrics/sources/ProcessSource.h"
 
 #include <QHash>
 #include <cstdint>

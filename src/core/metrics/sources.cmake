@@ -1,6 +1,8 @@
 target_sources(quelmo_core PRIVATE
   metrics/ProcInfo.h
-  metrics/sources/SystemSources.h
+  metrics/sources/CpuTicksSource.h metrics/sources/ChipFactsSource.h
+  metrics/sources/GpuLoadSource.h metrics/sources/MemorySource.h
+  metrics/sources/EnergySource.h metrics/sources/ProcessSource.h
   metrics/SystemMetrics.h metrics/SystemMetrics.cpp
   metrics/CPUMonitor.h metrics/CPUMonitor.cpp
   metrics/ChipInfo.h metrics/ChipInfo.cpp

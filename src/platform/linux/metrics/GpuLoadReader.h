@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/metrics/sources/SystemSources.h"
+#include "core/metrics/sources/GpuLoadSource.h"
 #include "platform/linux/metrics/IntelGpuPmu.h"
 #include "platform/linux/metrics/KernelFile.h"
 #include "platform/linux/metrics/NvmlLibrary.h"

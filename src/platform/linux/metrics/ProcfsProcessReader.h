@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/metrics/sources/SystemSources.h"
+#include "core/metrics/sources/ProcessSource.h"
 #include "platform/linux/metrics/KernelFile.h"
 
 #include <QHash>

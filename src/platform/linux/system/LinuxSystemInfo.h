@@ -2,7 +2,7 @@
 
 // This session's user, this process and the machine's thermal state.
 
-#include "core/cleanup/DesktopSession.h"
+#include "core/cleanup/SystemInfo.h"
 #include "platform/linux/system/ThermalState.h"
 
 namespace quelmo::linux_platform {

@@ -4,7 +4,7 @@
 // it is the process that was listed, so a signal can never reach a later process that reused
 // the pid. Only SIGTERM is ever sent, and only to processes of this user.
 
-#include "core/cleanup/DesktopSession.h"
+#include "core/cleanup/ProcessSignaller.h"
 
 #include <QString>
 

@@ -1,0 +1,93 @@
+#include "app/popover/PopoverContext.h"
+
+#include "app/popover/PopoverRules.h"
+#include "core/settings/AppLang.h"
+#include "core/settings/LoginItem.h"
+#include "core/settings/Preferences.h"
+
+namespace quelmo {
+
+PopoverContext::PopoverContext(QObject* metrics, Hooks hooks, QObject* parent)
+    : QObject(parent), metrics_(metrics), hooks_(std::move(hooks)),
+      maxHeight_(PopoverRules::maxHeight(std::nullopt)) {
+    if (!hooks_.setLaunchAtLogin)
+        hooks_.setLaunchAtLogin = &LoginItem::set;
+    if (!hooks_.launchAtLoginEnabled)
+        hooks_.launchAtLoginEnabled = &LoginItem::isEnabled;
+    reload();
+}
+
+void PopoverContext::reload() {
+    const QString lang = Preferences::langRaw();
+    if (lang != langRaw_) {
+        langRaw_ = lang;
+        emit langRawChanged();
+    }
+    const QString style = Preferences::catStyleRaw();
+    if (style != catStyleRaw_) {
+        catStyleRaw_ = style;
+        emit catStyleRawChanged();
+    }
+    const bool login = hooks_.launchAtLoginEnabled();
+    if (login != launchAtLogin_) {
+        launchAtLogin_ = login;
+        emit launchAtLoginChanged();
+    }
+}
+
+void PopoverContext::setLangRaw(const QString& raw) {
+    if (raw == langRaw_)
+        return;
+    langRaw_ = raw;
+    Preferences::setLangRaw(raw);
+    emit langRawChanged();
+    if (hooks_.languageChanged)
+        hooks_.languageChanged();
+}
+
+QString PopoverContext::lang() const {
+    return AppLang::resolve(langRaw_, AppLang::preferredLanguages());
+}
+
+QStringList PopoverContext::langChoices() {
+    QStringList raws;
+    for (const AppLang lang : AppLang::allCases())
+        raws.append(lang.rawValue());
+    return raws;
+}
+
+void PopoverContext::setCatStyleRaw(const QString& raw) {
+    if (raw == catStyleRaw_)
+        return;
+    catStyleRaw_ = raw;
+    Preferences::setCatStyleRaw(raw);
+    emit catStyleRawChanged();
+}
+
+void PopoverContext::setLaunchAtLogin(bool enabled) {
+    if (enabled == launchAtLogin_)
+        return;
+    launchAtLogin_ = enabled;
+    emit launchAtLoginChanged();
+    if (!hooks_.setLaunchAtLogin(enabled)) {
+        // The switch never shows a state the system refused.
+        launchAtLogin_ = hooks_.launchAtLoginEnabled();
+        emit launchAtLoginChanged();
+    }
+}
+
+void PopoverContext::setMaxHeight(double height) {
+    if (height == maxHeight_)
+        return;
+    maxHeight_ = height;
+    emit maxHeightChanged();
+}
+
+void PopoverContext::setShown(bool shown) {
+    if (shown == shown_)
+        return;
+    shown_ = shown;
+    emit shownChanged();
+}
+
+} // namespace quelmo

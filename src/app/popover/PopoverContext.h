@@ -1,0 +1,91 @@
+#pragma once
+
+#include "app/popover/ProcessListModel.h"
+
+#include <QObject>
+#include <QPointer>
+#include <QStringList>
+#include <functional>
+
+namespace quelmo {
+
+// What the popover's views see besides the hub's readings: the top lists as models keyed by pid,
+// the settings the footer changes (language, cat style, launch at login), the height limit of the
+// screen it opens on, and the way out (Quit). One per popover window.
+class PopoverContext : public QObject {
+    Q_OBJECT
+    // The hub, or anything with the same readings as properties (the preview program).
+    Q_PROPERTY(QObject* metrics READ metrics CONSTANT)
+    Q_PROPERTY(quelmo::ProcessListModel* topCPU READ topCPU CONSTANT)
+    Q_PROPERTY(quelmo::ProcessListModel* topMem READ topMem CONSTANT)
+    Q_PROPERTY(QString langRaw READ langRaw WRITE setLangRaw NOTIFY langRawChanged)
+    // "ko" or "en": the language every text is drawn in.
+    Q_PROPERTY(QString lang READ lang NOTIFY langRawChanged)
+    Q_PROPERTY(QStringList langChoices READ langChoices CONSTANT)
+    Q_PROPERTY(QString catStyleRaw READ catStyleRaw WRITE setCatStyleRaw NOTIFY catStyleRawChanged)
+    Q_PROPERTY(
+        bool launchAtLogin READ launchAtLogin WRITE setLaunchAtLogin NOTIFY launchAtLoginChanged)
+    Q_PROPERTY(double maxHeight READ maxHeight WRITE setMaxHeight NOTIFY maxHeightChanged)
+    // True while the popover is on screen: animations and the mascot's timers run only then.
+    Q_PROPERTY(bool shown READ shown WRITE setShown NOTIFY shownChanged)
+
+public:
+    struct Hooks {
+        // Called after the language choice has changed and been stored.
+        std::function<void()> languageChanged;
+        // Launch at login: change it (true when the change took), and read the real state.
+        std::function<bool(bool)> setLaunchAtLogin;
+        std::function<bool()> launchAtLoginEnabled;
+    };
+
+    // Without hooks the real autostart entry is used and a language change asks nothing more.
+    explicit PopoverContext(QObject* metrics, Hooks hooks = {}, QObject* parent = nullptr);
+
+    QObject* metrics() const { return metrics_; }
+    ProcessListModel* topCPU() { return &topCPU_; }
+    ProcessListModel* topMem() { return &topMem_; }
+
+    QString langRaw() const { return langRaw_; }
+    void setLangRaw(const QString& raw);
+    QString lang() const;
+    static QStringList langChoices();
+
+    QString catStyleRaw() const { return catStyleRaw_; }
+    void setCatStyleRaw(const QString& raw);
+
+    bool launchAtLogin() const { return launchAtLogin_; }
+    void setLaunchAtLogin(bool enabled);
+
+    double maxHeight() const { return maxHeight_; }
+    void setMaxHeight(double height);
+
+    bool shown() const { return shown_; }
+    void setShown(bool shown);
+
+    // Reads the stored settings and the launch-at-login state again (each time the popover is
+    // about to show, so a change made elsewhere is seen).
+    Q_INVOKABLE void reload();
+    // The footer's Quit.
+    Q_INVOKABLE void quit() { emit quitRequested(); }
+
+signals:
+    void langRawChanged();
+    void catStyleRawChanged();
+    void launchAtLoginChanged();
+    void maxHeightChanged();
+    void shownChanged();
+    void quitRequested();
+
+private:
+    QPointer<QObject> metrics_;
+    Hooks hooks_;
+    ProcessListModel topCPU_;
+    ProcessListModel topMem_;
+    QString langRaw_;
+    QString catStyleRaw_;
+    bool launchAtLogin_ = false;
+    double maxHeight_;
+    bool shown_ = false;
+};
+
+} // namespace quelmo

@@ -1,0 +1,34 @@
+#include "app/popover/PopoverQml.h"
+
+#include "app/popover/CardShadowProvider.h"
+#include "app/popover/MascotBehavior.h"
+#include "app/popover/PopoverContext.h"
+#include "app/popover/PopoverRulesObject.h"
+#include "app/popover/ProcessListModel.h"
+#include "app/popover/SymbolImageProvider.h"
+
+#include <QQmlEngine>
+
+namespace quelmo {
+
+void registerPopoverQml(QQmlEngine& engine) {
+    static const bool typesRegistered = [] {
+        const char* uri = "Quelmo";
+        qmlRegisterSingletonType<PopoverRulesObject>(
+            uri, 1, 0, "Rules",
+            [](QQmlEngine*, QJSEngine*) -> QObject* { return new PopoverRulesObject; });
+        qmlRegisterSingletonType(QUrl(QStringLiteral("qrc:/quelmo/qml/Palette.qml")), uri, 1, 0,
+                                 "Palette");
+        qmlRegisterType<MascotBehavior>(uri, 1, 0, "MascotBehavior");
+        qmlRegisterUncreatableType<ProcessListModel>(uri, 1, 0, "ProcessListModel",
+                                                     QStringLiteral("made by the popover"));
+        qmlRegisterUncreatableType<PopoverContext>(uri, 1, 0, "PopoverContext",
+                                                   QStringLiteral("made by the popover"));
+        return true;
+    }();
+    Q_UNUSED(typesRegistered);
+    engine.addImageProvider(QStringLiteral("symbol"), new SymbolImageProvider);
+    engine.addImageProvider(QStringLiteral("cardshadow"), new CardShadowProvider);
+}
+
+} // namespace quelmo

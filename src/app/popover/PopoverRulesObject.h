@@ -1,0 +1,60 @@
+#pragma once
+
+#include <QColor>
+#include <QObject>
+#include <QStringList>
+#include <QVariantList>
+
+namespace quelmo {
+
+// The popover's rules as the QML singleton `Rules`: formats, sizes, shares, the cat styles'
+// colours, the bilingual texts and the symbols' image sources. Stateless; every function only
+// forwards to the tested rules.
+class PopoverRulesObject : public QObject {
+    Q_OBJECT
+
+public:
+    using QObject::QObject;
+
+    Q_INVOKABLE static QString pct(double fraction);
+    Q_INVOKABLE static QString mem(double bytes);
+    Q_INVOKABLE static QString memDetail(double usedBytes, double totalBytes);
+    Q_INVOKABLE static QString fixed(double value, int decimals);
+    // `value` with `decimals` decimals and " W".
+    Q_INVOKABLE static QString watts(double value, int decimals);
+
+    Q_INVOKABLE static double popoverHeight(double contentHeight, double maxHeight);
+    Q_INVOKABLE static double barFillWidth(double trackWidth, double value);
+    Q_INVOKABLE static double coreFillScale(double load);
+    Q_INVOKABLE static double processFillWidth(double trackWidth, double value, double maxValue);
+    // A process's figure: "150%" for kind "cpu" (as the process table reports it), else mem(rss).
+    Q_INVOKABLE static QString processValueText(const QString& kind, double cpu, double rss);
+    Q_INVOKABLE static QVariantList powerShares(double cpu, double gpu, double ane, double dram);
+    // An SVG path of the part [from, to] of a capsule `width` x `height` (a stacked bar's segment
+    // clipped to the bar's rounded ends).
+    Q_INVOKABLE static QString capsuleSegmentPath(double from, double to, double width,
+                                                  double height);
+
+    // The four segments of the stacked power bar (CPU, GPU, Neural Engine, DRAM) as SVG paths.
+    Q_INVOKABLE static QStringList powerSegmentPaths(double cpu, double gpu, double ane,
+                                                     double dram, double width, double height);
+
+    Q_INVOKABLE static QStringList toggled(const QStringList& expanded, const QString& section);
+
+    Q_INVOKABLE static QString text(const QString& key, const QString& lang);
+    Q_INVOKABLE static QString languageChoiceLabel(const QString& raw, const QString& lang);
+
+    Q_INVOKABLE static QStringList catStyles();
+    Q_INVOKABLE static QString catLabel(const QString& raw, const QString& lang);
+    Q_INVOKABLE static QColor catFur(const QString& raw);
+    Q_INVOKABLE static QColor catEyes(const QString& raw);
+    Q_INVOKABLE static QColor catOutline(const QString& raw);
+    Q_INVOKABLE static QColor catInnerEar(const QString& raw);
+    Q_INVOKABLE static QColor catStripes();
+    Q_INVOKABLE static QColor grayMarks();
+
+    Q_INVOKABLE static QString symbol(const QString& name, const QColor& color,
+                                      const QColor& gradientTo = QColor());
+};
+
+} // namespace quelmo

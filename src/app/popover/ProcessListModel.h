@@ -1,0 +1,45 @@
+#pragma once
+
+#include "core/metrics/ProcInfo.h"
+
+#include <QAbstractListModel>
+#include <QList>
+
+namespace quelmo {
+
+// A list of process rows for the views, keyed by process id: a refresh updates the rows that stay
+// in place, moves the ones that changed rank and inserts or removes only the others, so a row
+// keeps its identity (and its delegate) from one second to the next.
+class ProcessListModel : public QAbstractListModel {
+    Q_OBJECT
+    Q_PROPERTY(int count READ rowCount NOTIFY countChanged)
+    // The largest CPU percentage and resident size among the rows (the process list's scale).
+    Q_PROPERTY(double maxCPU READ maxCPU NOTIFY rowsChanged)
+    Q_PROPERTY(double maxRSS READ maxRSS NOTIFY rowsChanged)
+
+public:
+    enum Role { PidRole = Qt::UserRole + 1, NameRole, CpuRole, RssRole, UserRole };
+
+    using QAbstractListModel::QAbstractListModel;
+
+    int rowCount(const QModelIndex& parent = {}) const override;
+    QVariant data(const QModelIndex& index, int role) const override;
+    QHash<int, QByteArray> roleNames() const override;
+
+    const QList<ProcInfo>& rows() const { return rows_; }
+    void setRows(const QList<ProcInfo>& rows);
+
+    double maxCPU() const;
+    double maxRSS() const;
+
+signals:
+    void countChanged();
+    void rowsChanged();
+
+private:
+    int indexOf(qint64 pid, int from) const;
+
+    QList<ProcInfo> rows_;
+};
+
+} // namespace quelmo

@@ -1,0 +1,179 @@
+#include "app/preview/PopoverPreview.h"
+
+#include "app/popover/PopoverContext.h"
+#include "app/popover/PopoverQml.h"
+#include "app/popover/PopoverRules.h"
+#include "core/settings/AppLang.h"
+#include "core/settings/Preferences.h"
+
+#include <QCoreApplication>
+#include <QJsonArray>
+#include <QQmlComponent>
+#include <QQmlEngine>
+#include <QQmlPropertyMap>
+#include <QQuickItem>
+#include <QQuickView>
+#include <cmath>
+
+namespace quelmo {
+
+namespace {
+
+QList<ProcInfo> procsFrom(const QJsonArray& rows) {
+    QList<ProcInfo> procs;
+    for (const QJsonValue& value : rows) {
+        const QJsonObject row = value.toObject();
+        ProcInfo proc;
+        proc.id = row.value(QStringLiteral("pid")).toInteger();
+        proc.name = row.value(QStringLiteral("name")).toString();
+        proc.cpu = row.value(QStringLiteral("cpu")).toDouble();
+        proc.rss = row.value(QStringLiteral("rss")).toDouble();
+        proc.user = row.value(QStringLiteral("user")).toString();
+        procs.append(proc);
+    }
+    return procs;
+}
+
+const char mascotSheet[] = R"(
+import Quelmo 1.0
+import QtQuick
+Rectangle {
+    property bool hasTargets: false
+    width: 4 * 150
+    height: 84
+    color: Palette.bg
+    Row {
+        y: 10
+        Repeater {
+            model: Rules.catStyles()
+            CatMascot {
+                required property string modelData
+                width: 150
+                height: 64
+                styleRaw: modelData
+                hasTargets: parent.parent.hasTargets
+            }
+        }
+    }
+}
+)";
+
+} // namespace
+
+QVariantMap PreviewState::defaultReadings() {
+    return {
+        {QStringLiteral("cpuTotal"), 0.0},
+        {QStringLiteral("cpuPerCore"), QVariantList{}},
+        {QStringLiteral("gpu"), 0.0},
+        {QStringLiteral("aneLoad"), 0.0},
+        {QStringLiteral("memUsed"), 0.0},
+        {QStringLiteral("memTotal"), 1.0},
+        {QStringLiteral("memFraction"), 0.0},
+        {QStringLiteral("cpuWatts"), 0.0},
+        {QStringLiteral("gpuWatts"), 0.0},
+        {QStringLiteral("aneWatts"), 0.0},
+        {QStringLiteral("dramWatts"), 0.0},
+        {QStringLiteral("totalWatts"), 0.0},
+        {QStringLiteral("chipName"), QString()},
+        {QStringLiteral("coreSummary"), QString()},
+        {QStringLiteral("sensitivity"), 0.5},
+    };
+}
+
+PreviewState PreviewState::fromJson(const QJsonObject& json) {
+    PreviewState state;
+    state.readings = defaultReadings();
+    const QVariantMap given = json.value(QStringLiteral("readings")).toObject().toVariantMap();
+    for (auto it = given.begin(); it != given.end(); ++it)
+        state.readings.insert(it.key(), it.value());
+    state.view = json.value(QStringLiteral("view")).toString(state.view);
+    state.topCPU = procsFrom(json.value(QStringLiteral("topCPU")).toArray());
+    state.topMem = procsFrom(json.value(QStringLiteral("topMem")).toArray());
+    state.lang = json.value(QStringLiteral("lang")).toString(state.lang);
+    state.catStyle = json.value(QStringLiteral("catStyle")).toString(state.catStyle);
+    for (const QJsonValue& section : json.value(QStringLiteral("expanded")).toArray())
+        state.expanded.append(section.toString());
+    state.launchAtLogin = json.value(QStringLiteral("launchAtLogin")).toBool();
+    state.hasTargets = json.value(QStringLiteral("hasTargets")).toBool();
+    if (json.contains(QStringLiteral("screenHeight")))
+        state.screenHeight = json.value(QStringLiteral("screenHeight")).toDouble();
+    const QStringList known{QStringLiteral("view"),       QStringLiteral("readings"),
+                            QStringLiteral("topCPU"),     QStringLiteral("topMem"),
+                            QStringLiteral("lang"),       QStringLiteral("catStyle"),
+                            QStringLiteral("expanded"),   QStringLiteral("launchAtLogin"),
+                            QStringLiteral("hasTargets"), QStringLiteral("screenHeight")};
+    for (auto it = json.begin(); it != json.end(); ++it)
+        if (!known.contains(it.key()))
+            state.extra.insert(it.key(), it.value());
+    return state;
+}
+
+PopoverPreview::PopoverPreview(const PreviewState& state)
+    : metrics_(std::make_unique<QQmlPropertyMap>()) {
+    for (auto it = state.readings.begin(); it != state.readings.end(); ++it)
+        metrics_->insert(it.key(), it.value());
+
+    // The preview's settings: stored where the caller keeps them (a private folder), read back
+    // by the context like the program's own.
+    Preferences::setLangRaw(state.lang);
+    Preferences::setCatStyleRaw(state.catStyle);
+    const bool login = state.launchAtLogin;
+    context_ = std::make_unique<PopoverContext>(
+        metrics_.get(), PopoverContext::Hooks{.languageChanged = {},
+                                              .setLaunchAtLogin = [](bool) { return true; },
+                                              .launchAtLoginEnabled = [login] { return login; }});
+    context_->topCPU()->setRows(state.topCPU);
+    context_->topMem()->setRows(state.topMem);
+    context_->setMaxHeight(PopoverRules::maxHeight(state.screenHeight));
+    // Still: the loops would make every picture different.
+    context_->setShown(false);
+
+    window_ = std::make_unique<QQuickView>();
+    window_->setColor(Qt::transparent);
+    window_->setResizeMode(QQuickView::SizeViewToRootObject);
+    registerPopoverQml(*window_->engine());
+    if (state.view == QLatin1String("mascot")) {
+        auto* sheet = new QQmlComponent(window_->engine(), window_.get());
+        sheet->setData(mascotSheet, QUrl(QStringLiteral("qrc:/quelmo/qml/MascotSheet.qml")));
+        auto* item = qobject_cast<QQuickItem*>(
+            sheet->createWithInitialProperties({{QStringLiteral("hasTargets"), state.hasTargets}}));
+        if (item)
+            window_->setContent(QUrl(), sheet, item);
+        else
+            errors_ = sheet->errorString();
+    } else {
+        window_->setInitialProperties(
+            {{QStringLiteral("context"), QVariant::fromValue(context_.get())},
+             {QStringLiteral("expanded"), state.expanded}});
+        window_->setSource(QUrl(QString::fromLatin1(popoverViewUrl)));
+        for (const QQmlError& error : window_->errors())
+            errors_ += error.toString() + QLatin1Char('\n');
+    }
+}
+
+PopoverPreview::~PopoverPreview() {
+    window_.reset();
+}
+
+QQuickItem* PopoverPreview::root() const {
+    return window_->rootObject();
+}
+
+QImage PopoverPreview::render() {
+    QQuickItem* item = root();
+    if (!item)
+        return {};
+    // The popover asks for its size; the mascot sheet has a fixed one.
+    const auto side = [](qreal implicit, qreal fixed) {
+        return static_cast<int>(std::ceil(implicit > 0 ? implicit : fixed));
+    };
+    const QSize size(side(item->implicitWidth(), item->width()),
+                     side(item->implicitHeight(), item->height()));
+    item->setSize(size);
+    window_->resize(size);
+    window_->show();
+    QCoreApplication::processEvents();
+    return window_->grabWindow();
+}
+
+} // namespace quelmo

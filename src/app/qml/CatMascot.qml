@@ -1,0 +1,252 @@
+import Quelmo 1.0
+import QtQuick
+
+// The mascot above the cleanup card's cut line. It dozes while there is nothing to cut, wanders,
+// looks around and blinks when there is, and snips on every change of `trigger`. Its timers and
+// animations run only while it is visible in a shown window.
+Item {
+    id: mascot
+
+    // Incremented by the cut sequence: every change is one snip.
+    property int trigger: 0
+    // Whether there is anything to cut.
+    property bool hasTargets: false
+    // How far down the cut sequence sends the cat (to the row being cut).
+    property real travelY: 0
+    property string styleRaw: "white"
+
+    readonly property color fur: Rules.catFur(styleRaw)
+    readonly property color outline: Rules.catOutline(styleRaw)
+    readonly property color innerEar: Rules.catInnerEar(styleRaw)
+    readonly property color eyeColor: Rules.catEyes(styleRaw)
+    readonly property alias behavior: mind
+    readonly property bool eyesClosed: mind.blink || !mind.awake
+
+    // The three endless loops, 0 to 1 and back: scissors, breathing, sleep marks.
+    property real snipPhase: 0
+    property real breathePhase: 0
+    property real zzzPhase: 0
+
+    objectName: "catMascot"
+    implicitWidth: 200
+    implicitHeight: 64
+    Accessible.ignored: true
+
+    MascotBehavior {
+        id: mind
+        active: mascot.visible && mascot.Window.visibility !== Window.Hidden
+        hasTargets: mascot.hasTargets
+        trigger: mascot.trigger
+    }
+
+    SequentialAnimation on snipPhase {
+        running: mind.active
+        loops: Animation.Infinite
+        NumberAnimation { to: 1; duration: 300; easing.type: Easing.InOutQuad }
+        NumberAnimation { to: 0; duration: 300; easing.type: Easing.InOutQuad }
+    }
+    SequentialAnimation on breathePhase {
+        running: mind.active
+        loops: Animation.Infinite
+        NumberAnimation { to: 1; duration: 1800; easing.type: Easing.InOutQuad }
+        NumberAnimation { to: 0; duration: 1800; easing.type: Easing.InOutQuad }
+    }
+    SequentialAnimation on zzzPhase {
+        running: mind.active && !mind.awake
+        loops: Animation.Infinite
+        NumberAnimation { to: 1; duration: 1600; easing.type: Easing.InOutQuad }
+        NumberAnimation { to: 0; duration: 1600; easing.type: Easing.InOutQuad }
+    }
+
+    Item {
+        id: figure
+
+        readonly property real wander: mind.lookDown ? 0 : mind.x
+
+        width: 64
+        height: 64
+        x: (mascot.width - width) / 2 + wander
+        y: mascot.travelY + (mind.resting ? 2 : 0)
+        transform: [
+            Scale {
+                origin.x: 32
+                origin.y: 64
+                yScale: 1 + 0.03 * mascot.breathePhase
+            },
+            Rotation {
+                origin.x: 32
+                origin.y: 64
+                angle: figure.wander * 0.1
+            }
+        ]
+
+        Behavior on x {
+            NumberAnimation {
+                duration: mind.motionMs
+                easing.type: mind.motionSpring ? Easing.OutBack : Easing.InOutQuad
+            }
+        }
+        Behavior on y {
+            NumberAnimation { duration: mind.motionMs; easing.type: Easing.InOutQuad }
+        }
+
+        // Body
+        Rectangle {
+            x: 15
+            y: 38
+            width: 34
+            height: 25
+            radius: 9
+            color: mascot.fur
+            border.color: mascot.outline
+            border.width: 1
+        }
+
+        // Scissors in the paws; they open and close with the loop and shut on a cut.
+        Symbol {
+            name: "scissors"
+            size: 27
+            x: 34
+            y: 28
+            rotation: mind.bladeClose ? 96 : 74 + 6 * mascot.snipPhase
+            color: Palette.pink
+            gradientTo: Palette.blue
+            Behavior on rotation {
+                enabled: mind.active
+                NumberAnimation {
+                    duration: mind.bladeClose ? 80 : 140
+                    easing.type: mind.bladeClose ? Easing.InQuad : Easing.OutQuad
+                }
+            }
+        }
+
+        // Head
+        Item {
+            id: head
+            width: 40
+            height: 30
+            x: 12 + mind.look * 3
+            y: 10 + (mind.lookDown ? 3 : 0)
+
+            Behavior on x {
+                NumberAnimation {
+                    duration: mind.motionMs
+                    easing.type: mind.motionSpring ? Easing.OutBack : Easing.InOutQuad
+                }
+            }
+            Behavior on y {
+                NumberAnimation {
+                    duration: mind.motionMs
+                    easing.type: mind.motionSpring ? Easing.OutBack : Easing.InOutQuad
+                }
+            }
+
+            Repeater {
+                model: [{ x: 2, mirrored: false }, { x: 23, mirrored: true }]
+                Item {
+                    required property var modelData
+                    x: modelData.x
+                    y: -9
+                    width: 15
+                    height: 14
+                    rotation: modelData.mirrored ? 10 : -10
+                    transform: Scale { origin.x: 7.5; xScale: modelData.mirrored ? -1 : 1 }
+                    CatEarShape {
+                        anchors.fill: parent
+                        fillColor: mascot.fur
+                        strokeColor: mascot.outline
+                    }
+                    CatEarShape {
+                        x: 4
+                        y: 4.5
+                        width: 7
+                        height: 7.5
+                        fillColor: mascot.innerEar
+                    }
+                }
+            }
+
+            Rectangle {
+                anchors.fill: parent
+                radius: 13
+                color: mascot.fur
+                border.color: mascot.outline
+                border.width: 1
+            }
+
+            Row {
+                visible: mascot.styleRaw === "cheese"
+                anchors.horizontalCenter: parent.horizontalCenter
+                y: 2
+                spacing: 2.5
+                Repeater {
+                    model: [6, 8, 6]
+                    Rectangle {
+                        required property real modelData
+                        width: 2.4
+                        height: modelData
+                        radius: 1.2
+                        color: Rules.catStripes()
+                    }
+                }
+            }
+
+            Row {
+                x: 10 + mind.look * 1.5
+                y: 12 + (mind.lookDown ? 2 : 0)
+                spacing: 10
+                Repeater {
+                    model: 2
+                    Item {
+                        width: 6
+                        height: 6
+                        Rectangle {
+                            visible: !mascot.eyesClosed
+                            anchors.fill: parent
+                            radius: 3
+                            color: mascot.eyeColor
+                        }
+                        SleepyEye {
+                            visible: mascot.eyesClosed
+                            anchors.fill: parent
+                            color: mascot.styleRaw === "black" ? mascot.eyeColor
+                                                               : Palette.faded(Palette.ink, 0.7)
+                        }
+                    }
+                }
+            }
+
+            Rectangle {
+                anchors.horizontalCenter: parent.horizontalCenter
+                y: 20
+                width: 4
+                height: 3
+                radius: 1.5
+                color: mascot.innerEar
+            }
+        }
+
+        // Sleep marks drifting up beside the head
+        Item {
+            x: 50
+            y: 2 - 4 * mascot.zzzPhase
+            opacity: mind.awake ? 0 : 0.85
+            Behavior on opacity {
+                NumberAnimation { duration: 600; easing.type: Easing.InOutQuad }
+            }
+            Repeater {
+                model: [{ x: 0, y: 12, size: 8 }, { x: 6, y: 5, size: 10 }, { x: 13, y: -3, size: 12 }]
+                Text {
+                    required property var modelData
+                    x: modelData.x
+                    y: modelData.y
+                    text: "z"
+                    font.pixelSize: modelData.size
+                    font.bold: true
+                    color: Palette.lav
+                    Accessible.ignored: true
+                }
+            }
+        }
+    }
+}

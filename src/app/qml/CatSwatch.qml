@@ -1,0 +1,80 @@
+import Quelmo 1.0
+import QtQuick
+import QtQuick.Controls.Basic
+
+// One cat style as a small fur-coloured circle with the style's markings; a ring shows the
+// chosen one. The style's name is its tooltip.
+AbstractButton {
+    id: swatch
+
+    property string styleRaw: "white"
+    property bool selected: false
+    property string lang: "en"
+
+    readonly property string label: Rules.catLabel(styleRaw, lang)
+
+    implicitWidth: 17
+    implicitHeight: 17
+    hoverEnabled: true
+    ToolTip.visible: hovered
+    ToolTip.delay: 500
+    ToolTip.text: label
+    Accessible.role: Accessible.Button
+    Accessible.name: label
+    Accessible.description: label
+    Accessible.checkable: true
+    Accessible.checked: selected
+    Keys.onReturnPressed: swatch.clicked()
+    Accessible.onPressAction: swatch.clicked()
+
+    contentItem: Item {}
+    background: Item {
+        Rectangle {
+            anchors.fill: parent
+            radius: width / 2
+            color: Rules.catFur(swatch.styleRaw)
+        }
+        Row {
+            visible: swatch.styleRaw === "gray"
+            anchors.centerIn: parent
+            anchors.verticalCenterOffset: -2
+            spacing: 3
+            Repeater {
+                model: 2
+                Rectangle { width: 3; height: 3; radius: 1.5; color: Rules.grayMarks() }
+            }
+        }
+        Row {
+            visible: swatch.styleRaw === "cheese"
+            anchors.centerIn: parent
+            spacing: 2.4
+            Repeater {
+                model: [7, 9, 7]
+                Rectangle {
+                    required property real modelData
+                    width: 1.6
+                    height: modelData
+                    radius: 0.8
+                    color: Rules.catStripes()
+                    anchors.verticalCenter: parent.verticalCenter
+                }
+            }
+        }
+        Rectangle {
+            anchors.fill: parent
+            radius: width / 2
+            color: "transparent"
+            border.width: swatch.selected ? 2.2 : 1
+            border.color: swatch.selected ? Palette.blue : Palette.faded(Palette.ink, 0.18)
+        }
+        Rectangle {
+            visible: swatch.visualFocus
+            anchors.fill: parent
+            anchors.margins: -3
+            radius: width / 2
+            color: "transparent"
+            border.width: 1
+            border.color: Palette.blue
+        }
+    }
+}

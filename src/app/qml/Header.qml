@@ -1,0 +1,79 @@
+import Quelmo 1.0
+import QtQuick
+
+// The logo breathing between 0.98 and 1.04, the name and the chip, and the total power.
+Item {
+    id: header
+
+    property string chipName
+    property real totalWatts
+    property string styleRaw: "white"
+    // The logo breathes only while the popover is on screen.
+    property bool animate: true
+
+    objectName: "header"
+    width: parent ? parent.width : 0
+    height: 38
+
+    QuelmoLogo {
+        id: logo
+        objectName: "logo"
+        width: 38
+        height: 38
+        styleRaw: header.styleRaw
+        pink: Qt.rgba(0.96, 0.62, 0.66, 1)
+        blue: Qt.rgba(0.52, 0.62, 0.86, 1)
+        scale: 0.98
+
+        SequentialAnimation on scale {
+            running: header.animate
+            loops: Animation.Infinite
+            NumberAnimation { to: 1.04; duration: 700; easing.type: Easing.InOutQuad }
+            NumberAnimation { to: 0.98; duration: 700; easing.type: Easing.InOutQuad }
+        }
+    }
+
+    Column {
+        anchors.left: logo.right
+        anchors.leftMargin: 10
+        anchors.right: power.left
+        anchors.rightMargin: 8
+        anchors.verticalCenter: parent.verticalCenter
+        spacing: 1
+
+        UiText {
+            text: "Quelmo"
+            font.pixelSize: 16
+            font.weight: Font.ExtraBold
+        }
+        UiText {
+            objectName: "chipName"
+            width: parent.width
+            text: header.chipName
+            font.pixelSize: 11
+            secondary: true
+            elide: Text.ElideRight
+        }
+    }
+
+    Column {
+        id: power
+        anchors.right: parent.right
+        anchors.verticalCenter: parent.verticalCenter
+
+        UiText {
+            objectName: "totalWatts"
+            anchors.right: parent.right
+            text: Rules.watts(header.totalWatts, 1)
+            font.pixelSize: 15
+            font.weight: Font.DemiBold
+            color: Palette.blue
+        }
+        UiText {
+            anchors.right: parent.right
+            text: "total power"
+            font.pixelSize: 10
+            secondary: true
+        }
+    }
+}

@@ -1,0 +1,67 @@
+import Quelmo 1.0
+import QtQuick
+import QtQuick.Controls.Basic
+
+// The language menu: System, 한국어, English. Choosing one stores it at once.
+ComboBox {
+    id: picker
+
+    required property QtObject context
+
+    objectName: "languagePicker"
+    model: context.langChoices
+    currentIndex: context.langChoices.indexOf(context.langRaw)
+    displayText: Rules.languageChoiceLabel(context.langRaw, context.lang)
+    font.pixelSize: 11
+    implicitHeight: 20
+    implicitWidth: caption.implicitWidth + 26
+    leftPadding: 8
+    rightPadding: 18
+    onActivated: index => context.langRaw = context.langChoices[index]
+    Accessible.name: displayText
+
+    contentItem: UiText {
+        id: caption
+        text: picker.displayText
+        font.pixelSize: 11
+        color: Palette.ink
+        verticalAlignment: Text.AlignVCenter
+        Accessible.ignored: true
+    }
+    indicator: Symbol {
+        x: picker.width - width - 7
+        anchors.verticalCenter: picker.verticalCenter
+        name: "chevron.right"
+        rotation: 90
+        size: 8
+        color: Palette.blue
+    }
+    background: Rectangle {
+        radius: 6
+        color: picker.pressed ? Palette.faded(Palette.blue, 0.25) : Palette.faded(Palette.blue, 0.14)
+        border.width: picker.visualFocus ? 1 : 0
+        border.color: Palette.blue
+    }
+    delegate: ItemDelegate {
+        id: choice
+        required property int index
+        required property string modelData
+        width: Math.max(picker.width, 96)
+        height: 24
+        highlighted: picker.highlightedIndex === index
+        text: Rules.languageChoiceLabel(modelData, picker.context.lang)
+        font.pixelSize: 11
+        Accessible.name: text
+        contentItem: UiText {
+            text: choice.text
+            font.pixelSize: 11
+            font.weight: picker.currentIndex === choice.index ? Font.DemiBold : Font.Normal
+            verticalAlignment: Text.AlignVCenter
+            Accessible.ignored: true
+        }
+        background: Rectangle {
+            color: choice.highlighted ? Palette.faded(Palette.blue, 0.2) : "transparent"
+            radius: 4
+        }
+    }
+}

@@ -1,0 +1,125 @@
+import Quelmo 1.0
+import QtQuick
+import QtQuick.Controls.Basic
+
+// One reading as a bar: symbol, title and figure above, the bar, a detail line below. With
+// `expandable` a chevron opens the per-process list under it.
+Column {
+    id: bar
+
+    property string title
+    property string icon
+    property color color: Palette.blue
+    property real value
+    property string valueText
+    property string detail
+    property bool isExpanded: false
+    property bool expandable: false
+    property string lang: "en"
+
+    signal toggle
+
+    width: parent ? parent.width : 0
+    spacing: 5
+
+    Item {
+        width: parent.width
+        height: 16
+
+        Symbol {
+            name: bar.icon
+            color: bar.color
+            size: 12
+            x: 2
+            anchors.verticalCenter: parent.verticalCenter
+        }
+        UiText {
+            x: 22
+            text: bar.title
+            font.pixelSize: 12
+            font.weight: Font.DemiBold
+            anchors.verticalCenter: parent.verticalCenter
+        }
+        UiText {
+            objectName: "figure"
+            anchors.right: chevron.visible ? chevron.left : parent.right
+            anchors.rightMargin: chevron.visible ? 4 : 0
+            anchors.verticalCenter: parent.verticalCenter
+            text: bar.valueText
+            font.pixelSize: 12
+            font.weight: Font.DemiBold
+        }
+        AbstractButton {
+            id: chevron
+
+            readonly property string tip: Rules.text("showPerProcess", bar.lang)
+
+            visible: bar.expandable
+            width: 16
+            height: 16
+            anchors.right: parent.right
+            anchors.verticalCenter: parent.verticalCenter
+            hoverEnabled: true
+            ToolTip.visible: hovered
+            ToolTip.delay: 600
+            ToolTip.text: tip
+            Accessible.role: Accessible.Button
+            Accessible.name: bar.title + " — " + tip
+            Accessible.description: tip
+            Accessible.checkable: true
+            Accessible.checked: bar.isExpanded
+            Keys.onReturnPressed: bar.toggle()
+            Accessible.onPressAction: bar.toggle()
+            onClicked: bar.toggle()
+
+            contentItem: Item {
+                Symbol {
+                    anchors.centerIn: parent
+                    name: "chevron.right"
+                    color: Palette.secondary
+                    size: 10
+                    rotation: bar.isExpanded ? 90 : 0
+                    Behavior on rotation {
+                        NumberAnimation { duration: 180; easing.type: Easing.InOutQuad }
+                    }
+                }
+            }
+            background: Rectangle {
+                radius: 4
+                color: chevron.hovered ? Palette.track : "transparent"
+                border.width: chevron.visualFocus ? 1 : 0
+                border.color: Palette.blue
+            }
+        }
+    }
+
+    Item {
+        width: parent.width
+        height: 7
+
+        Rectangle {
+            anchors.fill: parent
+            radius: height / 2
+            color: Palette.track
+        }
+        Rectangle {
+            objectName: "fill"
+            height: parent.height
+            radius: height / 2
+            width: Rules.barFillWidth(parent.width, bar.value)
+            gradient: Gradient {
+                orientation: Gradient.Horizontal
+                GradientStop { position: 0; color: Palette.faded(bar.color, 0.75) }
+                GradientStop { position: 1; color: bar.color }
+            }
+        }
+    }
+
+    UiText {
+        text: bar.detail
+        font.pixelSize: 10
+        secondary: true
+        width: parent.width
+        elide: Text.ElideRight
+    }
+}

@@ -1,0 +1,88 @@
+import Quelmo 1.0
+import QtQuick
+
+// CPU (with the per-core strip, or the top CPU processes when expanded), GPU, Neural Engine and
+// memory (with the top memory processes when expanded).
+LiquidCard {
+    id: section
+
+    required property QtObject metrics
+    required property QtObject context
+    property var expanded: []
+    property string lang: "en"
+
+    readonly property bool cpuExpanded: expanded.includes("cpu")
+    readonly property bool memoryExpanded: expanded.includes("memory")
+
+    signal toggle(string section)
+
+    objectName: "metricsSection"
+    spacing: 10
+
+    MetricBar {
+        objectName: "cpuBar"
+        title: "CPU"
+        icon: "cpu"
+        color: Palette.blue
+        value: section.metrics.cpuTotal
+        valueText: Rules.pct(section.metrics.cpuTotal)
+        detail: section.metrics.coreSummary
+        expandable: true
+        isExpanded: section.cpuExpanded
+        lang: section.lang
+        onToggle: section.toggle("cpu")
+    }
+    ProcessList {
+        objectName: "topCPUList"
+        visible: section.cpuExpanded
+        procs: section.context.topCPU
+        color: Palette.blue
+        kind: "cpu"
+        lang: section.lang
+    }
+    CoreStrip {
+        objectName: "coreStrip"
+        visible: !section.cpuExpanded && section.metrics.cpuPerCore.length > 0
+        cores: section.metrics.cpuPerCore
+        color: Palette.blue
+    }
+    MetricBar {
+        objectName: "gpuBar"
+        title: "GPU"
+        icon: "display"
+        color: Palette.lav
+        value: section.metrics.gpu
+        valueText: Rules.pct(section.metrics.gpu)
+        detail: Rules.watts(section.metrics.gpuWatts, 2)
+    }
+    MetricBar {
+        objectName: "aneBar"
+        title: "Neural Engine"
+        icon: "brain.head.profile"
+        color: Palette.pink
+        value: section.metrics.aneLoad
+        valueText: Rules.watts(section.metrics.aneWatts, 2)
+        detail: "ANE"
+    }
+    MetricBar {
+        objectName: "memoryBar"
+        title: "Memory"
+        icon: "memorychip"
+        color: Palette.sage
+        value: section.metrics.memFraction
+        valueText: Rules.pct(section.metrics.memFraction)
+        detail: Rules.memDetail(section.metrics.memUsed, section.metrics.memTotal)
+        expandable: true
+        isExpanded: section.memoryExpanded
+        lang: section.lang
+        onToggle: section.toggle("memory")
+    }
+    ProcessList {
+        objectName: "topMemList"
+        visible: section.memoryExpanded
+        procs: section.context.topMem
+        color: Palette.sage
+        kind: "memory"
+        lang: section.lang
+    }
+}

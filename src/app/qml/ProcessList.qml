@@ -1,0 +1,88 @@
+import Quelmo 1.0
+import QtQuick
+
+// The top processes under an expanded bar: name, a bar scaled to the busiest one, and the figure.
+// Rows are keyed by pid, so a process keeps its row from one refresh to the next.
+Column {
+    id: list
+
+    property ProcessListModel procs
+    property color color: Palette.blue
+    // "cpu" or "memory"
+    property string kind: "cpu"
+    property string lang: "en"
+
+    readonly property real maxValue: kind === "cpu" ? procs.maxCPU : procs.maxRSS
+
+    width: parent ? parent.width : 0
+    leftPadding: 22
+    topPadding: 2
+    bottomPadding: 2
+    spacing: 5
+
+    UiText {
+        visible: list.procs.count === 0
+        text: Rules.text("collecting", list.lang)
+        font.pixelSize: 10
+        secondary: true
+    }
+
+    Repeater {
+        model: list.procs
+
+        Item {
+            id: row
+
+            required property string name
+            required property real cpu
+            required property real rss
+
+            width: list.width - list.leftPadding
+            height: 15
+
+            UiText {
+                id: label
+                text: row.name
+                font.pixelSize: 11
+                elide: Text.ElideMiddle
+                maximumLineCount: 1
+                width: Math.min(implicitWidth, 150)
+                anchors.verticalCenter: parent.verticalCenter
+            }
+            Item {
+                id: track
+                anchors.left: label.right
+                anchors.leftMargin: 8
+                anchors.right: figure.left
+                anchors.rightMargin: 6
+                anchors.verticalCenter: parent.verticalCenter
+                height: 5
+
+                Rectangle {
+                    anchors.fill: parent
+                    radius: height / 2
+                    color: Palette.faded(list.color, 0.2)
+                }
+                Rectangle {
+                    height: parent.height
+                    radius: height / 2
+                    color: Palette.faded(list.color, 0.65)
+                    width: Rules.processFillWidth(track.width,
+                                                  list.kind === "cpu" ? row.cpu : row.rss,
+                                                  list.maxValue)
+                }
+            }
+            UiText {
+                id: figure
+                width: 52
+                anchors.right: parent.right
+                anchors.verticalCenter: parent.verticalCenter
+                horizontalAlignment: Text.AlignRight
+                text: Rules.processValueText(list.kind, row.cpu, row.rss)
+                font.pixelSize: 10
+                font.weight: Font.Medium
+                secondary: true
+            }
+        }
+    }
+}

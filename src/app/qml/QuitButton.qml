@@ -1,0 +1,33 @@
+import Quelmo 1.0
+import QtQuick
+import QtQuick.Controls.Basic
+
+// The footer's Quit: a quiet rounded button.
+AbstractButton {
+    id: button
+
+    objectName: "quitButton"
+    leftPadding: 8
+    rightPadding: 8
+    topPadding: 3
+    bottomPadding: 3
+    font.pixelSize: 11
+    font.weight: Font.Medium
+    Accessible.role: Accessible.Button
+    Accessible.name: text
+    Keys.onReturnPressed: button.clicked()
+    Accessible.onPressAction: button.clicked()
+
+    contentItem: Text {
+        text: button.text
+        font: button.font
+        color: Palette.secondary
+        Accessible.ignored: true
+    }
+    background: Rectangle {
+        radius: 7
+        color: button.down ? Palette.faded(Palette.ink, 0.14) : Palette.faded(Palette.ink, 0.07)
+        border.width: button.visualFocus ? 1 : 0
+        border.color: Palette.blue
+    }
+}

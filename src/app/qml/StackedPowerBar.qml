@@ -1,0 +1,41 @@
+import Quelmo 1.0
+import QtQuick
+import QtQuick.Shapes
+
+// The watts of CPU, GPU, Neural Engine and DRAM side by side, each as wide as its share, in one
+// capsule. All zero draws the empty track.
+Item {
+    id: bar
+
+    property real cpu
+    property real gpu
+    property real ane
+    property real dram
+
+    readonly property var paths: Rules.powerSegmentPaths(cpu, gpu, ane, dram, width, height)
+    readonly property var colors: [Palette.blue, Palette.lav, Palette.pink, Palette.gray]
+
+    width: parent ? parent.width : 0
+    height: 8
+
+    Rectangle {
+        anchors.fill: parent
+        radius: height / 2
+        color: Palette.track
+    }
+    Repeater {
+        model: 4
+
+        Shape {
+            required property int index
+
+            anchors.fill: parent
+            ShapePath {
+                strokeWidth: -1
+                strokeColor: "transparent"
+                fillColor: bar.colors[index]
+                PathSvg { path: bar.paths[index] }
+            }
+        }
+    }
+}

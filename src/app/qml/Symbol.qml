@@ -1,0 +1,21 @@
+import Quelmo 1.0
+import QtQuick
+
+// One of the popover's symbols (Phosphor icons), in one colour or a gradient to `gradientTo`.
+Image {
+    property string name
+    property color color: Palette.ink
+    property color gradientTo: "transparent"
+    property real size: 12
+    // Pixels drawn per point: more for a symbol shown scaled up or on a dense screen.
+    property real renderScale: 2
+
+    width: size
+    height: size
+    sourceSize.width: Math.ceil(size * renderScale)
+    sourceSize.height: Math.ceil(size * renderScale)
+    source: Rules.symbol(name, color, gradientTo)
+    fillMode: Image.PreserveAspectFit
+    smooth: true
+    Accessible.ignored: true
+}

@@ -1,0 +1,151 @@
+#include "app/popover/PopoverRules.h"
+
+#include "app/popover/CatStyle.h"
+#include "app/popover/PopoverTexts.h"
+
+#include <QColor>
+#include <gtest/gtest.h>
+#include <limits>
+
+namespace quelmo {
+namespace {
+
+using namespace PopoverRules;
+
+constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+
+TEST(PopoverFormats, PercentRoundsHalvesAwayFromZero) {
+    EXPECT_EQ(pct(0.5), "50%");
+    EXPECT_EQ(pct(0.004), "0%");
+    EXPECT_EQ(pct(0.125), "13%");
+    EXPECT_EQ(pct(0.005), "1%");
+    EXPECT_EQ(pct(1.0), "100%");
+    EXPECT_EQ(pct(nan), "0%");
+}
+
+TEST(PopoverFormats, MemorySwitchesToGigabytesAtOneGibibyte) {
+    EXPECT_EQ(mem(1073741824.0), "1.0GB");
+    EXPECT_EQ(mem(1073741823.0), "1024MB");
+    EXPECT_EQ(mem(0), "0MB");
+    EXPECT_EQ(mem(524288000.0), "500MB");
+    EXPECT_EQ(memDetail(12884901888.0, 17179869184.0), "12.0 / 16.0 GB");
+    EXPECT_EQ(fixed(3.14159, 2), "3.14");
+    EXPECT_EQ(fixed(0, 1), "0.0");
+}
+
+TEST(PopoverSize, FollowsContentUpToTheScreensLimit) {
+    EXPECT_EQ(popoverHeight(1000, maxHeight(900.0)), 840);
+    EXPECT_EQ(popoverHeight(1000, maxHeight(400.0)), 380);
+    EXPECT_EQ(popoverHeight(300, maxHeight(900.0)), 300);
+    EXPECT_EQ(popoverHeight(300, maxHeight(400.0)), 300);
+    EXPECT_EQ(maxHeight(std::nullopt), 740);
+    EXPECT_EQ(popoverHeight(1000, maxHeight(std::nullopt)), 740);
+}
+
+TEST(PopoverBars, KeepTheirMinimumWidths) {
+    EXPECT_EQ(barFillWidth(200, 0), 3);
+    EXPECT_EQ(barFillWidth(200, 1.7), 200);
+    EXPECT_EQ(barFillWidth(200, nan), 3);
+    EXPECT_EQ(barFillWidth(200, -0.5), 3);
+    EXPECT_EQ(barFillWidth(200, 0.5), 100);
+    // Before the first layout the track has no width: nothing sticks out of it.
+    EXPECT_EQ(barFillWidth(0, 0.5), 0);
+
+    EXPECT_EQ(coreFillScale(0), 0.02);
+    EXPECT_EQ(coreFillScale(1.3), 1);
+    EXPECT_EQ(coreFillScale(0.4), 0.4);
+    EXPECT_EQ(coreFillScale(nan), 0.02);
+}
+
+TEST(PopoverBars, ProcessListScalesToItsBusiestRow) {
+    EXPECT_EQ(processMaxValue({}), 1);
+    EXPECT_EQ(processMaxValue({0, 0}), 0.0001);
+    EXPECT_EQ(processMaxValue({12, 150, 3}), 150);
+    EXPECT_EQ(processMaxValue({-5}), 0.0001);
+
+    // A list whose busiest process uses 0 % draws every bar at the 2-point minimum.
+    const double idleMax = processMaxValue({0, 0, 0});
+    EXPECT_EQ(processFillWidth(180, 0, idleMax), 2);
+    EXPECT_EQ(processFillWidth(180, 150, 150), 180);
+    EXPECT_EQ(processFillWidth(180, 75, 150), 90);
+}
+
+TEST(PopoverBars, PowerSplitsIntoShares) {
+    const auto split = powerShares(1, 1, 0, 2);
+    EXPECT_DOUBLE_EQ(split[0], 0.25);
+    EXPECT_DOUBLE_EQ(split[1], 0.25);
+    EXPECT_DOUBLE_EQ(split[2], 0);
+    EXPECT_DOUBLE_EQ(split[3], 0.5);
+    for (double share : powerShares(0, 0, 0, 0))
+        EXPECT_EQ(share, 0);
+}
+
+TEST(PopoverSections, ToggleTwiceRestores) {
+    const QStringList start{"memory"};
+    EXPECT_EQ(toggled(start, "cpu"), QStringList({"memory", "cpu"}));
+    EXPECT_EQ(toggled(start, "memory"), QStringList());
+    EXPECT_EQ(toggled(toggled(start, "cpu"), "cpu"), start);
+    EXPECT_EQ(sections(), QStringList({"cpu", "memory", "cleanup"}));
+}
+
+QColor rgb(double r, double g, double b, double a = 1) {
+    return QColor::fromRgbF(static_cast<float>(r), static_cast<float>(g), static_cast<float>(b),
+                            static_cast<float>(a));
+}
+
+TEST(CatStyles, ColoursOutlinesAndLabels) {
+    struct Expected {
+        const char* raw;
+        QColor fur, eyes, outline, innerEar;
+        const char* ko;
+        const char* en;
+    };
+    const Expected styles[] = {
+        {"white", rgb(0.975, 0.975, 0.99), rgb(0.36, 0.59, 0.88), rgb(0, 0, 0, 0.13),
+         rgb(0.97, 0.76, 0.79), "흰둥이", "White"},
+        {"gray", rgb(0.63, 0.65, 0.70), rgb(0.36, 0.59, 0.88), rgb(0, 0, 0, 0.16),
+         rgb(0.97, 0.76, 0.79), "회색이", "Grey"},
+        {"cheese", rgb(0.93, 0.73, 0.43), rgb(0.20, 0.21, 0.27), rgb(0, 0, 0, 0.13),
+         rgb(0.97, 0.76, 0.79), "치즈", "Cheese"},
+        {"black", rgb(0.26, 0.27, 0.33), rgb(0.97, 0.92, 0.66), rgb(1, 1, 1, 0.18),
+         rgb(0.80, 0.54, 0.58), "까망이", "Black"},
+    };
+    QStringList order;
+    for (const CatStyle style : CatStyle::allCases())
+        order.append(style.rawValue());
+    EXPECT_EQ(order, QStringList({"white", "gray", "cheese", "black"}));
+
+    for (const Expected& e : styles) {
+        SCOPED_TRACE(e.raw);
+        const CatStyle style = CatStyle::forStored(QString::fromLatin1(e.raw));
+        EXPECT_EQ(style.fur(), e.fur);
+        EXPECT_EQ(style.eyeColor(), e.eyes);
+        EXPECT_EQ(style.outline(), e.outline);
+        EXPECT_EQ(style.innerEar(), e.innerEar);
+        EXPECT_EQ(style.label("ko"), QString::fromUtf8(e.ko));
+        EXPECT_EQ(style.label("en"), QString::fromUtf8(e.en));
+    }
+}
+
+TEST(CatStyles, UnknownStoredTextDrawsAsWhite) {
+    for (const QString& raw : {QStringLiteral("tabby"), QStringLiteral("Black"), QString()}) {
+        SCOPED_TRACE(raw.toStdString());
+        EXPECT_FALSE(CatStyle::fromRaw(raw));
+        EXPECT_EQ(CatStyle::forStored(raw).fur(), rgb(0.975, 0.975, 0.99));
+        EXPECT_EQ(CatStyle::forStored(raw).outline(), rgb(0, 0, 0, 0.13));
+    }
+}
+
+TEST(PopoverTexts, BothLanguages) {
+    EXPECT_EQ(PopoverTexts::text("quit", "ko"), "종료");
+    EXPECT_EQ(PopoverTexts::text("quit", "en"), "Quit");
+    EXPECT_EQ(PopoverTexts::text("collecting", "en"), "Collecting…");
+    EXPECT_EQ(PopoverTexts::text("no such text", "en"), "");
+    EXPECT_EQ(PopoverTexts::languageChoiceLabel("auto", "ko"), "시스템");
+    EXPECT_EQ(PopoverTexts::languageChoiceLabel("auto", "en"), "System");
+    EXPECT_EQ(PopoverTexts::languageChoiceLabel("ko", "en"), "한국어");
+    EXPECT_EQ(PopoverTexts::languageChoiceLabel("en", "ko"), "English");
+}
+
+} // namespace
+} // namespace quelmo
