@@ -21,3 +21,10 @@ if(TARGET quelmo_x11_harness AND TARGET quelmo_x11_test_client)
   target_compile_definitions(bench_cleanup PRIVATE
     QUELMO_TEST_CLIENT="$<TARGET_FILE:quelmo_x11_test_client>")
 endif()
+
+# The baseline store at its cap (no desktop needed):
+#   <build>/bench/bench_baselines
+add_executable(bench_baselines
+  ${CMAKE_CURRENT_LIST_DIR}/BenchMain.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/BaselineStoreBench.cpp)
+target_link_libraries(bench_baselines PRIVATE quelmo_core benchmark::benchmark)

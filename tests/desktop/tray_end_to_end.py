@@ -310,9 +310,30 @@ def check_popover_content_language_style_and_quit(session, binary):
         expect(proc.wait(20) == 0, f"Quit in the footer exited with {proc.returncode}")
 
 
+def check_quit_signals_save_and_leave_the_tray(session, binary):
+    baselines = os.path.join(session.env["XDG_CONFIG_HOME"], "quelmo", "baselines.conf")
+    for signo in (signal.SIGTERM, signal.SIGINT, signal.SIGHUP):
+        with contextlib.suppress(FileNotFoundError):
+            os.remove(baselines)
+        with running(session, [binary]) as proc:
+            service = registered(session, proc)
+            # A few refreshes with the popover open: far fewer than the 30 between two saves.
+            sni(session, service, "Activate", 640, 300)
+            wait_popover(session, True)
+            time.sleep(2)
+            proc.send_signal(signo)
+            expect(proc.wait(20) == 0, f"{signo.name} ended it with {proc.returncode}")
+            wait_until(lambda: not [i for i in session.registered_items()
+                                    if i.startswith(f"{SNI}-{proc.pid}-")], 20,
+                       f"the item to leave the tray after {signo.name}")
+            with open(baselines) as f:
+                expect("nuvex.baselines.v1=" in f.read(), f"no baselines saved on {signo.name}")
+
+
 CHECKS = [check_title_follows_load, check_clicks_toggle_the_popover,
           check_popover_content_language_style_and_quit,
-          check_second_launch_hands_over, check_host_menu_quits, check_xembed_fallback]
+          check_second_launch_hands_over, check_host_menu_quits, check_xembed_fallback,
+          check_quit_signals_save_and_leave_the_tray]
 
 
 def main():

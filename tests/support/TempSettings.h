@@ -1,5 +1,8 @@
 #pragma once
 
+#include "core/settings/SettingsKeys.h"
+
+#include <QCoreApplication>
 #include <QSettings>
 #include <QTemporaryDir>
 
@@ -14,8 +17,13 @@ public:
         qputenv("XDG_CONFIG_HOME", dir_.path().toUtf8());
     }
     QString path() const { return dir_.path(); }
-    // Forgets every stored key.
-    static void clear() { QSettings().clear(); }
+    // Forgets every stored key, the baselines' file included.
+    static void clear() {
+        QSettings().clear();
+        QSettings(QSettings::NativeFormat, QSettings::UserScope,
+                  QCoreApplication::organizationName(), QLatin1String(SettingsKeys::baselinesFile))
+            .clear();
+    }
 
 private:
     QTemporaryDir dir_;

@@ -1,6 +1,8 @@
 #include "app/shell/SingleInstance.h"
 
+#include <QDBusConnectionInterface>
 #include <QDBusMessage>
+#include <QDBusReply>
 #include <QLocalServer>
 #include <QLocalSocket>
 #include <unistd.h>
@@ -36,17 +38,23 @@ bool SingleInstance::handOverOnBus() {
     // The object goes up before the name, so a launch that sees the name can always call it.
     bus_->registerObject(QString::fromLatin1(objectPath), this,
                          QDBusConnection::ExportScriptableSlots);
-    for (int attempt = 0; attempt < 2; ++attempt) {
-        if (bus_->registerService(QString::fromLatin1(serviceName)))
+    const QString name = QString::fromLatin1(serviceName);
+    QDBusConnectionInterface* names = bus_->interface();
+    for (int attempt = 0; attempt < 3; ++attempt) {
+        if (bus_->registerService(name))
             return false;
-        const QDBusMessage call = QDBusMessage::createMethodCall(
-            QString::fromLatin1(serviceName), QString::fromLatin1(objectPath),
-            QString::fromLatin1(serviceName), QStringLiteral("Activate"));
-        const QDBusMessage reply = bus_->call(call, QDBus::Block, handOverTimeoutMs);
-        if (reply.type() == QDBusMessage::ReplyMessage)
+        // Whoever owns the name is the session's instance, whether or not it answers now (it may
+        // be paused or busy): ask it to show its popover and step aside either way.
+        const QDBusReply<QString> owner = names ? names->serviceOwner(name) : QDBusReply<QString>();
+        if (owner.isValid() && !owner.value().isEmpty()) {
+            const QDBusMessage call = QDBusMessage::createMethodCall(
+                name, QString::fromLatin1(objectPath), name, QStringLiteral("Activate"));
+            bus_->call(call, QDBus::Block, handOverTimeoutMs);
             return true;
+        }
         // The other instance went away between the two steps: try to take its place.
     }
+    // The bus refuses the name although nobody holds it: run rather than not at all.
     return false;
 }
 

@@ -3,6 +3,7 @@
 #include "app/shell/CommandLine.h"
 #include "app/shell/GraphicalSession.h"
 #include "app/shell/LinuxShell.h"
+#include "app/shell/QuitSignals.h"
 #include "app/shell/SingleInstance.h"
 #include "platform/linux/LinuxPlatform.h"
 
@@ -62,6 +63,9 @@ int main(int argc, char* argv[]) {
     if (qEnvironmentVariableIsEmpty("QT_QUICK_BACKEND"))
         QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
 
+    // Logging out, Ctrl+C or a closed terminal end the program as its Quit entry does.
+    quelmo::QuitSignals quitSignals;
+
     const std::optional<QDBusConnection> bus = sessionBus();
     quelmo::SingleInstance instance(bus);
     if (instance.handOver())
@@ -70,6 +74,10 @@ int main(int argc, char* argv[]) {
     quelmo::AppDelegate delegate(quelmo::linux_platform::makePlatform(), quelmo::linuxShell(bus));
     QObject::connect(&instance, &quelmo::SingleInstance::activationRequested, &delegate,
                      &quelmo::AppDelegate::showPopover);
+    QObject::connect(&quitSignals, &quelmo::QuitSignals::received, &delegate,
+                     &quelmo::AppDelegate::quit);
     QTimer::singleShot(0, &delegate, &quelmo::AppDelegate::applicationDidFinishLaunching);
-    return QApplication::exec();
+    const int status = QApplication::exec();
+    delegate.metrics().savePending();
+    return status;
 }

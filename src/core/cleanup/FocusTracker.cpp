@@ -7,6 +7,8 @@
 #include <QVariantMap>
 #include <algorithm>
 #include <cmath>
+#include <utility>
+#include <vector>
 
 namespace quelmo {
 
@@ -85,9 +87,25 @@ void FocusTracker::History::load() {
         loaded.insert(it.key(), seconds);
     }
     lastActive = std::move(loaded);
+    trim();
 }
 
-void FocusTracker::History::save() const {
+void FocusTracker::History::trim() {
+    const qsizetype excess = lastActive.size() - maxEntries;
+    if (excess <= 0)
+        return;
+    std::vector<std::pair<double, QString>> byTime;
+    byTime.reserve(static_cast<std::size_t>(lastActive.size()));
+    for (auto it = lastActive.constBegin(); it != lastActive.constEnd(); ++it)
+        byTime.emplace_back(*it, it.key());
+    const auto cut = byTime.begin() + excess;
+    std::nth_element(byTime.begin(), cut, byTime.end());
+    for (auto it = byTime.begin(); it != cut; ++it)
+        lastActive.remove(it->second);
+}
+
+void FocusTracker::History::save() {
+    trim();
     QVariantMap map;
     for (auto it = lastActive.constBegin(); it != lastActive.constEnd(); ++it)
         map.insert(it.key(), *it);

@@ -11,10 +11,14 @@ namespace quelmo {
 class DesktopSession;
 
 // When each application was last brought to the front, by desktop-entry id, kept across runs
-// under "quelmo.focus.lastActive.v1". Applications without an id are never recorded, and entries
-// are never removed. Without a desktop session there is no focus data beyond what was stored.
+// under "quelmo.focus.lastActive.v1". Applications without an id are never recorded. The history
+// keeps the `maxEntries` applications brought to the front most recently; older ones are dropped
+// when it is loaded or saved. Without a desktop session there is no focus data beyond what was
+// stored.
 class FocusTracker {
 public:
+    static constexpr qsizetype maxEntries = 1000;
+
     // Loads the stored history, records the application in front now (without saving) and starts
     // listening for activations.
     explicit FocusTracker(DesktopSession* desktop);
@@ -35,8 +39,9 @@ private:
     // the tracker is gone finds nothing and does nothing.
     struct History {
         QHash<QString, double> lastActive; // seconds since 1970-01-01 UTC
+        void trim();
         void load();
-        void save() const;
+        void save();
     };
     std::shared_ptr<History> history_;
 };

@@ -107,6 +107,10 @@ void SystemMetrics::update() {
         onUpdate();
 }
 
+void SystemMetrics::savePending() {
+    baseline_.flush();
+}
+
 void SystemMetrics::refreshProcesses() {
     const std::vector<ProcInfo> snapshot = procMon_.snapshot();
     baseline_.observe(snapshot);

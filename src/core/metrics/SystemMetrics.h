@@ -56,6 +56,8 @@ public:
     void update();
     void refreshProcesses();
     void reevaluateAI();
+    // Stores the statistics gathered since the last save; called when the program ends.
+    void savePending();
     int terminate(const QList<qint64>& pids);
 
     // Published readings.

@@ -12,6 +12,10 @@
 //   quelmo.focus.lastActive.v1    map: desktop-entry id -> seconds   no entries
 //
 // Launch at login is not a key: the autostart entry itself is the only record of it.
+//
+// The baselines document, the one value that grows with use, lives under its key in a settings
+// file of its own (~/.config/quelmo/baselines.conf, `baselinesFile`), so that reading the small
+// settings never parses it and its writes never hold up theirs.
 namespace quelmo::SettingsKeys {
 
 inline constexpr char lang[] = "quelmo.lang";
@@ -19,6 +23,8 @@ inline constexpr char catStyle[] = "quelmo.catStyle";
 inline constexpr char sensitivity[] = "nuvex.sensitivity";
 inline constexpr char baselines[] = "nuvex.baselines.v1";
 inline constexpr char focusLastActive[] = "quelmo.focus.lastActive.v1";
+
+inline constexpr char baselinesFile[] = "baselines"; // beside the settings file, with .conf
 
 } // namespace quelmo::SettingsKeys
 

@@ -11,6 +11,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QSettings>
+#include <cmath>
 #include <gtest/gtest.h>
 
 using namespace quelmo;
@@ -45,15 +46,19 @@ TEST(SettingsStoreTest, EveryKeyIsStoredUnderItsNameAndSurvivesARestart) {
     BaselineEngine engine(baselinesKey);
     for (int i = 0; i < 29; ++i)
         engine.observe({ProcInfo{1, "mousepad", 12.0, 0, "alice"}});
-    EXPECT_FALSE(QSettings().contains(baselinesKey)); // written every 30th observation
+    EXPECT_FALSE(BaselineEngine::openStore()->contains(baselinesKey)); // every 30th observation
     engine.observe({});
+    engine.waitForWrites();
     ASSERT_TRUE(LoginItem::set(true)); // kept nowhere but in the autostart entry
 
     const QByteArray text = settingsFileText();
-    for (const char* line : {"quelmo.lang=ko", "quelmo.catStyle=cheese", "nuvex.sensitivity=0.8",
-                             "nuvex.baselines.v1=\"@ByteArray("})
+    for (const char* line : {"quelmo.lang=ko", "quelmo.catStyle=cheese", "nuvex.sensitivity=0.8"})
         EXPECT_TRUE(text.contains(line)) << line;
-    EXPECT_EQ(QSettings().allKeys().size(), 5);
+    EXPECT_EQ(QSettings().allKeys().size(), 4);
+    // The one document that grows has a file of its own beside it.
+    const std::unique_ptr<QSettings> baselines = BaselineEngine::openStore();
+    EXPECT_EQ(QFileInfo(baselines->fileName()).dir(), QFileInfo(QSettings().fileName()).dir());
+    EXPECT_EQ(baselines->allKeys(), QStringList{baselinesKey});
     EXPECT_EQ(Preferences::langRaw(), "ko");
     EXPECT_EQ(Preferences::catStyleRaw(), "cheese");
     EXPECT_DOUBLE_EQ(SystemMetrics{Platform{}}.sensitivity(), 0.8);
@@ -69,6 +74,7 @@ TEST(SettingsStoreTest, EveryKeyIsStoredUnderItsNameAndSurvivesARestart) {
 }
 
 TEST(SettingsStoreTest, DamagedFilesAndValuesReadAsDefaultsAndSpareTheOtherKeys) {
+    test::TempSettings::clear();
     writeSettingsFile(QByteArrayLiteral("[General]\n"
                                         "quelmo.catStyle=black\n"
                                         "quelmo.lang=@ByteArray(ko)\n"
@@ -83,8 +89,39 @@ TEST(SettingsStoreTest, DamagedFilesAndValuesReadAsDefaultsAndSpareTheOtherKeys)
     EXPECT_DOUBLE_EQ(hub.sensitivity(), 0.5);
     hub.setSensitivity(0.3); // rewrites the file
     EXPECT_EQ(Preferences::catStyleRaw(), "black");
-    EXPECT_EQ(QSettings().value(baselinesKey).toByteArray(), "not json");
+    EXPECT_EQ(BaselineEngine::openStore()->value(baselinesKey).toByteArray(), "not json");
+    EXPECT_FALSE(QSettings().contains(baselinesKey)); // moved out, as it was
     EXPECT_TRUE(settingsFileText().contains("quelmo.catStyle=black"));
+}
+
+TEST(SettingsStoreTest, TheFocusHistoryKeepsTheMostRecentApplications) {
+    test::TempSettings::clear();
+    QVariantMap history;
+    for (qsizetype i = 0; i < FocusTracker::maxEntries + 3; ++i)
+        history.insert(QStringLiteral("app-%1").arg(i), 1.7e9 + static_cast<double>(i));
+    QSettings().setValue(SettingsKeys::focusLastActive, history);
+    const FocusTracker tracker(nullptr);
+    for (int i = 0; i < 3; ++i)
+        EXPECT_FALSE(tracker.lastActiveSeconds(QStringLiteral("app-%1").arg(i))) << i;
+    EXPECT_EQ(tracker.lastActiveSeconds("app-3"), 1.7e9 + 3);
+}
+
+TEST(SettingsStoreTest, AStoredSensitivityThatIsNotAFiniteNumberLeavesTheDefault) {
+    for (const char* text : {"nan", "NaN", "inf", "-inf", "1e999", "-1e999", "0x1p3", ""}) {
+        writeSettingsFile(QByteArray("[General]\nnuvex.sensitivity=") + text + "\n");
+        EXPECT_DOUBLE_EQ(SystemMetrics{Platform{}}.sensitivity(), 0.5) << text;
+    }
+    for (const double value : {std::nan(""), HUGE_VAL}) { // stored as typed values
+        test::TempSettings::clear();
+        QSettings().setValue(SettingsKeys::sensitivity, value);
+        EXPECT_DOUBLE_EQ(SystemMetrics{Platform{}}.sensitivity(), 0.5) << value;
+    }
+    // Finite values are used as they are, even outside the slider's range.
+    for (const double value : {0.8, -3.0, 1e300}) {
+        writeSettingsFile(QByteArray("[General]\nnuvex.sensitivity=") +
+                          QByteArray::number(value, 'g', 17) + "\n");
+        EXPECT_DOUBLE_EQ(SystemMetrics{Platform{}}.sensitivity(), value) << value;
+    }
 }
 
 } // namespace
