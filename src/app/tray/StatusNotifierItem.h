@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/tray/DBusMenuExporter.h"
 #include "app/shell/ApplicationId.h"
+#include "app/tray/DBusMenuExporter.h"
 #include "app/tray/DBusTypes.h"
 
 #include <QDBusConnection>
