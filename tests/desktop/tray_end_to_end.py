@@ -226,7 +226,10 @@ def check_clicks_toggle_the_popover(session, binary):
         time.sleep(1)
         # A host that passes the pointer position (KDE): the popover hangs under that point.
         sni(session, service, "Activate", 640, 100)
-        expect(wait_popover(session, True)[:2] == (480, 104), "the popover is not under (640, 100)")
+        at = wait_popover(session, True)
+        # Centred under the point; hanging from it unless its height needs it lifted on screen.
+        expect(at[0] == 480 and (at[1] == 104 or (at[1] < 104 and at[1] + at[3] == session.height)),
+               f"the popover at {at} is not under (640, 100)")
         sni(session, service, "Activate", 640, 100)
         wait_popover(session, False)
         expect(proc.poll() is None, "the program ended")

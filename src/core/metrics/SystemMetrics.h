@@ -90,7 +90,7 @@ public:
     void setPollProcesses(bool on) { pollProcesses_ = on; }
     AIAdvisor::Status aiStatus() const { return aiStatus_; }
     // The advisor itself, whose status is read live by the cleanup card.
-    const AIAdvisor* advisor() const { return advisor_; }
+    const AIAdvisor* advisor() const { return advisor_.get(); }
     QString chipName() const { return chipName_; }
     QString coreSummary() const { return coreSummary_; }
     double memoryGB() const { return memoryGB_; }

@@ -3,9 +3,9 @@
 #include "core/settings/AppLang.h"
 #include "platform/linux/apps/AppIdentity.h"
 #include "platform/linux/apps/CgroupAppId.h"
-#include "platform/linux/common/ProcFiles.h"
 #include "platform/linux/wayland/CompositorRules.h"
 #include "platform/linux/wayland/EntryProcesses.h"
+#include "platform/linux/wayland/LaunchedProcesses.h"
 
 #include <QTimer>
 #include <unistd.h>
@@ -66,7 +66,7 @@ DesktopSnapshot CompositorSession::snapshot() {
 std::optional<QString> CompositorSession::appIdOf(const CompositorWindow& window) {
     // The launch unit names the application for sure; the window's own id is a claim.
     if (window.pid) {
-        const auto cgroup = readSmallFile(procPath(options_.root, *window.pid, "cgroup"));
+        const auto cgroup = readProcFile(options_.root, *window.pid, "cgroup");
         if (auto id = cgroup ? appIdFromCgroup(*cgroup) : std::nullopt)
             return id;
     }

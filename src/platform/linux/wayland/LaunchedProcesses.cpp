@@ -1,17 +1,28 @@
 #include "platform/linux/wayland/LaunchedProcesses.h"
 
 #include "platform/linux/apps/CgroupAppId.h"
-#include "platform/linux/common/ProcFiles.h"
+#include "platform/linux/common/KernelFile.h"
+#include "platform/linux/common/ProcStat.h"
+#include "platform/linux/common/RootPath.h"
 
 #include <QDir>
 #include <QFileInfo>
 #include <QList>
 
 namespace quelmo::linux_platform {
+
+std::optional<QByteArray> readProcFile(const QString& root, qint64 pid, std::string_view file) {
+    const auto text = readSmallFile(procPath(root, pid, file));
+    if (!text)
+        return std::nullopt;
+    return QByteArray::fromStdString(*text);
+}
+
 namespace {
 
 QString programOf(const QString& root, qint64 pid, const QByteArray& stat) {
-    const QString exe = QFileInfo(procPath(root, pid, "exe")).symLinkTarget();
+    const QString exe =
+        QFileInfo(QString::fromStdString(procPath(root, pid, "exe"))).symLinkTarget();
     if (!exe.isEmpty())
         return QFileInfo(exe).fileName();
     const qsizetype open = stat.indexOf('(');
@@ -50,7 +61,7 @@ std::optional<qint64> parseControllingTerminal(const QByteArray& stat) {
 LaunchedProcessReader::LaunchedProcessReader(QString root) : root_(std::move(root)) {}
 
 std::vector<LaunchedProcess> LaunchedProcessReader::read() {
-    const QStringList names = QDir(underRoot(root_, QStringLiteral("/proc")))
+    const QStringList names = QDir(QString::fromStdString(rootedPath(root_, "/proc")))
                                   .entryList(QDir::Dirs | QDir::NoDotAndDotDot);
     std::vector<LaunchedProcess> processes;
     processes.reserve(names.size());
@@ -60,17 +71,20 @@ std::vector<LaunchedProcess> LaunchedProcessReader::read() {
         const qint64 pid = name.toLongLong(&numeric);
         if (!numeric || pid <= 0)
             continue;
-        const auto stat = readSmallFile(procPath(root_, pid, "stat"));
+        const auto stat = readProcFile(root_, pid, "stat");
         if (!stat)
             continue;
-        const std::uint64_t startTime = parseStartTime(*stat).value_or(0);
+        const std::uint64_t startTime = [&] {
+            const auto parsed = parseProcStat(stat->toStdString());
+            return parsed ? parsed->startTime : std::uint64_t{0};
+        }();
         Known known;
         const auto remembered = known_.constFind(pid);
         if (startTime != 0 && remembered != known_.constEnd() &&
             remembered->startTime == startTime) {
             known = *remembered;
         } else {
-            const auto cgroup = readSmallFile(procPath(root_, pid, "cgroup"));
+            const auto cgroup = readProcFile(root_, pid, "cgroup");
             known = Known{startTime, cgroup ? appIdFromCgroup(*cgroup) : std::nullopt,
                           programOf(root_, pid, *stat), cgroup ? unitOf(*cgroup) : QString()};
         }

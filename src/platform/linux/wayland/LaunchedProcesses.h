@@ -10,6 +10,7 @@
 #include <QString>
 #include <cstdint>
 #include <optional>
+#include <string_view>
 #include <vector>
 
 namespace quelmo::linux_platform {
@@ -25,6 +26,9 @@ struct LaunchedProcess {
 
 // Field 7 of /proc/[pid]/stat, the controlling terminal's device number (0: none).
 std::optional<qint64> parseControllingTerminal(const QByteArray& stat);
+
+// One of a process's small /proc files (stat, cgroup), read under `root`.
+std::optional<QByteArray> readProcFile(const QString& root, qint64 pid, std::string_view file);
 
 class LaunchedProcessReader {
 public:
