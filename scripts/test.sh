@@ -15,4 +15,5 @@ cmake -S . -B build/asan -G Ninja -DCMAKE_BUILD_TYPE=Debug -DQUELMO_SANITIZE=ON 
   -DQUELMO_BUILD_BENCHMARKS=OFF >/dev/null
 cmake --build build/asan -j "$jobs"
 export ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
+export LSAN_OPTIONS="suppressions=$PWD/tests/support/lsan.supp"
 (cd build/asan && ctest --output-on-failure -j "$jobs")
