@@ -58,7 +58,7 @@ class Churn:
                 self.alive.remove((proc, path, until))
         while len(self.alive) < CHURN_ALIVE:
             self.started += 1
-            busy = self.started % 4 == 0
+            busy = self.started % CHURN_ALIVE == 0  # about one busy at a time
             path = os.path.join(self.folder, f"soak-{self.started}-{'busy' if busy else 'idle'}")
             os.symlink(shutil.which("yes") if busy else shutil.which("sleep"), path)
             argv = [path] if busy else [path, "60"]
