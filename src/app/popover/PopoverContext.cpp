@@ -2,7 +2,6 @@
 
 #include "app/popover/PopoverRules.h"
 #include "core/settings/AppLang.h"
-#include "core/settings/LoginItem.h"
 #include "core/settings/Preferences.h"
 
 #include <QMetaProperty>
@@ -13,10 +12,11 @@ namespace quelmo {
 PopoverContext::PopoverContext(QObject* metrics, Hooks hooks, QObject* parent)
     : QObject(parent), metrics_(metrics), hooks_(std::move(hooks)),
       maxHeight_(PopoverRules::maxHeight(std::nullopt)) {
+    // Without a record of the choice the switch stays off and cannot be turned on.
     if (!hooks_.setLaunchAtLogin)
-        hooks_.setLaunchAtLogin = &LoginItem::set;
+        hooks_.setLaunchAtLogin = [](bool) { return false; };
     if (!hooks_.launchAtLoginEnabled)
-        hooks_.launchAtLoginEnabled = &LoginItem::isEnabled;
+        hooks_.launchAtLoginEnabled = [] { return false; };
     reload();
 }
 

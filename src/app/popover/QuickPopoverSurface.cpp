@@ -8,6 +8,7 @@
 #include "app/popover/PopoverRules.h"
 #include "app/shell/X11Desktop.h"
 #include "core/metrics/SystemMetrics.h"
+#include "core/settings/LoginItem.h"
 
 #include <QGuiApplication>
 #include <QKeyEvent>
@@ -35,9 +36,14 @@ private:
     QuickPopoverSurface& owner_;
 };
 
-QuickPopoverSurface::QuickPopoverSurface(SystemMetrics& metrics, QObject* parent)
-    : PopoverSurface(parent), window_(std::make_unique<Window>(*this)) {
+QuickPopoverSurface::QuickPopoverSurface(SystemMetrics& metrics,
+                                         std::unique_ptr<LoginItemService> loginItem,
+                                         QObject* parent)
+    : PopoverSurface(parent), window_(std::make_unique<Window>(*this)),
+      loginItem_(std::move(loginItem)) {
     PopoverContext::Hooks hooks;
+    hooks.setLaunchAtLogin = [this](bool enabled) { return LoginItem::set(*loginItem_, enabled); };
+    hooks.launchAtLoginEnabled = [this] { return loginItem_->isEnabled(); };
     // Verdicts are asked for again in the new language.
     hooks.languageChanged = [&metrics] { metrics.reevaluateAI(); };
     context_ = new PopoverContext(&metrics, std::move(hooks), this);

@@ -8,6 +8,7 @@
 namespace quelmo {
 
 class CleanupFeed;
+class LoginItemService;
 class PopoverContext;
 class SystemMetrics;
 
@@ -25,7 +26,9 @@ class QuickPopoverSurface : public PopoverSurface {
 public:
     static constexpr int width = 320;
 
-    explicit QuickPopoverSurface(SystemMetrics& metrics, QObject* parent = nullptr);
+    // `loginItem` keeps the launch-at-login choice the footer switch shows.
+    QuickPopoverSurface(SystemMetrics& metrics, std::unique_ptr<LoginItemService> loginItem,
+                        QObject* parent = nullptr);
     ~QuickPopoverSurface() override;
 
     void showAt(QPoint anchor) override;
@@ -39,6 +42,7 @@ private:
     void fitToContent();
 
     std::unique_ptr<Window> window_;
+    std::unique_ptr<LoginItemService> loginItem_;
     PopoverContext* context_ = nullptr; // child QObject
     CleanupFeed* cleanup_ = nullptr;    // child QObject
     x11::ActiveWindowWatch* activeWindow_ = nullptr;

@@ -2,6 +2,7 @@
 
 #include "app/popover/QuickPopoverSurface.h"
 #include "app/tray/TrayStatusItem.h"
+#include "platform/linux/apps/AutostartEntry.h"
 
 #include <QStandardPaths>
 
@@ -22,7 +23,8 @@ AppDelegate::Shell linuxShell(std::optional<QDBusConnection> bus) {
             return std::make_unique<TrayStatusItem>(bus, trayIconDirectory());
         },
         [](SystemMetrics& metrics) -> std::unique_ptr<PopoverSurface> {
-            return std::make_unique<QuickPopoverSurface>(metrics);
+            return std::make_unique<QuickPopoverSurface>(
+                metrics, std::make_unique<linux_platform::AutostartEntry>());
         },
         nullptr,
     };

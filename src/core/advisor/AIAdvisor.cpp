@@ -2,38 +2,22 @@
 
 #include "core/advisor/AdvisorTexts.h"
 #include "core/advisor/GenVerdict.h"
-#include "core/advisor/OllamaModel.h"
 #include "core/settings/AppLang.h"
 
 #include <QTimer>
 
 namespace quelmo {
 
-AIAdvisor::AIAdvisor(QObject* parent) : AIAdvisor(std::make_unique<OllamaModel>(), parent) {}
-
 AIAdvisor::AIAdvisor(std::unique_ptr<LanguageModel> model, QObject* parent)
-    : QObject(parent), lookSoon_(new QTimer(this)) {
+    : QObject(parent), model_(std::move(model)), availability_(model_->assumedAvailability()),
+      lookSoon_(new QTimer(this)) {
     lookSoon_->setSingleShot(true);
     lookSoon_->setInterval(0);
     connect(lookSoon_, &QTimer::timeout, this, &AIAdvisor::refreshStatus);
-    setModel(std::move(model));
+    lookSoon_->start();
 }
 
 AIAdvisor::~AIAdvisor() = default;
-
-void AIAdvisor::setModel(std::unique_ptr<LanguageModel> model) {
-    // Destroying the old model drops its requests without a callback, so their waiters are
-    // answered here instead: single-flight callers must always hear back.
-    const QList<std::shared_ptr<Done>> orphans = std::exchange(inFlight_, {});
-    model_ = std::move(model);
-    ++modelGeneration_;
-    looking_ = false;
-    lookedAt_.invalidate();
-    availability_ = model_->assumedAvailability();
-    lookSoon_->start();
-    for (const std::shared_ptr<Done>& orphan : orphans)
-        QTimer::singleShot(0, this, [orphan] { (*orphan)(std::nullopt); });
-}
 
 AIAdvisor::Status AIAdvisor::status() const {
     if (!looking_ && !lookSoon_->isActive() &&
@@ -46,10 +30,7 @@ void AIAdvisor::refreshStatus() {
     if (looking_)
         return;
     looking_ = true;
-    const quint64 generation = modelGeneration_;
-    model_->probe([this, generation](ModelAvailability found) {
-        if (generation != modelGeneration_)
-            return; // an answer about a model that has been replaced since
+    model_->probe([this](ModelAvailability found) {
         looking_ = false;
         lookedAt_.start();
         availability_ = found;
@@ -77,17 +58,8 @@ AIAdvisor::Status AIAdvisor::statusFor(ModelAvailability availability, bool kore
 }
 
 void AIAdvisor::evaluate(const AIQueueEntry& entry, bool korean, Done done) {
-    auto waiter = std::make_shared<Done>(std::move(done));
-    inFlight_.append(waiter);
-    // Answers a waiter once; a waiter already answered (its model was replaced) stays quiet.
-    auto finish = [this, waiter](std::optional<AIVerdict> verdict) {
-        if (!inFlight_.removeOne(waiter))
-            return;
-        (*waiter)(std::move(verdict));
-    };
-
     if (!status().available) {
-        QTimer::singleShot(0, this, [finish] { finish(std::nullopt); });
+        QTimer::singleShot(0, this, [done = std::move(done)] { done(std::nullopt); });
         return;
     }
 
@@ -96,11 +68,11 @@ void AIAdvisor::evaluate(const AIQueueEntry& entry, bool korean, Done done) {
     request.prompt = GenVerdict::promptWithSchema(buildPrompt(
         entry.name, entry.cpu, entry.rssMB, entry.reason, entry.idle, entry.hasWindow, korean));
     request.format = GenVerdict::schemaText();
-    model_->respond(request, [this, finish](std::optional<QString> answer) {
+    model_->respond(request, [this, done = std::move(done)](std::optional<QString> answer) {
         std::optional<AIVerdict> verdict = answer ? verdictFromAnswer(*answer) : std::nullopt;
         if (!verdict)
             lookedAt_.invalidate(); // the runtime may have gone away: look again at the next read
-        finish(std::move(verdict));
+        done(std::move(verdict));
     });
 }
 

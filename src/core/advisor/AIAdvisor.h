@@ -32,13 +32,8 @@ public:
 
     using Done = std::function<void(std::optional<AIVerdict>)>;
 
-    // Uses the local runtime at its default loopback address.
-    explicit AIAdvisor(QObject* parent = nullptr);
-    AIAdvisor(std::unique_ptr<LanguageModel> model, QObject* parent = nullptr);
+    explicit AIAdvisor(std::unique_ptr<LanguageModel> model, QObject* parent = nullptr);
     ~AIAdvisor() override;
-
-    // Switches to another model. Evaluations still waiting on the old one end with no verdict.
-    void setModel(std::unique_ptr<LanguageModel> model);
 
     // The availability found by the last look at the model, with its reason text chosen in the
     // effective language at this call. Never waits: the look itself happens in the background,
@@ -76,9 +71,7 @@ private:
     ModelAvailability availability_ = ModelAvailability::otherReason;
     QElapsedTimer lookedAt_; // invalid until a look has answered, and after a failed evaluation
     bool looking_ = false;
-    quint64 modelGeneration_ = 0;
     QTimer* lookSoon_; // zero-delay, single-shot: starts a look from the event loop
-    QList<std::shared_ptr<Done>> inFlight_;
 };
 
 } // namespace quelmo

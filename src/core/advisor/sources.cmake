@@ -5,8 +5,7 @@ target_sources(quelmo_core PRIVATE
   advisor/GenVerdict.h advisor/GenVerdict.cpp
   advisor/JsonText.h
   advisor/LanguageModel.h
-  advisor/LocalRuntime.h advisor/LocalRuntime.cpp
-  advisor/OllamaModel.h advisor/OllamaModel.cpp
+  advisor/LoopbackEndpoint.h advisor/LoopbackEndpoint.cpp
   advisor/AIAdvisor.h advisor/AIAdvisor.cpp
   advisor/EvaluationQueue.h advisor/EvaluationQueue.cpp
 )

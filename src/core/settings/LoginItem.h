@@ -1,32 +1,30 @@
 #pragma once
 
-// Launch at login through the freedesktop autostart folder: the entry
-// $XDG_CONFIG_HOME/autostart/quelmo.desktop (~/.config when XDG_CONFIG_HOME is unset or relative).
-// The entry itself is the only record of the choice; nothing is kept in the settings file.
+// Launch at login: the switch the popover shows, over whatever record the platform keeps of it.
+// That record is the only one; nothing is kept in the settings file.
 
-#include <QByteArray>
 #include <QString>
+#include <optional>
 
-namespace quelmo::LoginItem {
+namespace quelmo {
 
-// Writes (enabled) or removes (disabled) the autostart entry, then reads the state back. True when
-// the entry now says what was asked; otherwise logs "LoginItem error: " and the reason, and
-// returns false.
-bool set(bool enabled);
+// The platform's record of whether the program starts at login.
+class LoginItemService {
+public:
+    virtual ~LoginItemService() = default;
+    // Registers (enabled) or unregisters the program; the reason when that failed.
+    virtual std::optional<QString> apply(bool enabled) = 0;
+    // Whether the program is registered now, as the record says.
+    virtual bool isEnabled() = 0;
+};
 
-// True when the entry exists and does not say Hidden=true.
-bool isEnabled();
+namespace LoginItem {
 
-// Where the entry lives.
-QString entryPath();
+// Registers or unregisters the program through `service`, then reads the state back. True when
+// it now says what was asked; otherwise logs "LoginItem error: " and the reason, and returns
+// false.
+bool set(LoginItemService& service, bool enabled);
 
-// The program the entry starts. The installed program (`installed`, where the package puts it)
-// when that is the one running, or when the running one's path is unknown (`running` empty: its
-// file was replaced by an upgrade while it ran); otherwise `running`, a build in a source tree.
-// Empty when neither is known.
-QString autostartProgram(const QString& running, const QString& installed);
+} // namespace LoginItem
 
-// The entry that starts `program`, with the Exec line quoted as desktop entries require.
-QByteArray entryText(const QString& program);
-
-} // namespace quelmo::LoginItem
+} // namespace quelmo

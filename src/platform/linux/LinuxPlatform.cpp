@@ -1,8 +1,8 @@
 #include "platform/linux/LinuxPlatform.h"
 
-#include "core/advisor/OllamaModel.h"
 #include "platform/linux/DesktopServices.h"
 #include "platform/linux/metrics/MetricsReaders.h"
+#include "platform/ollama/OllamaModel.h"
 
 namespace quelmo::linux_platform {
 
@@ -10,7 +10,8 @@ Platform makePlatform(const QString& root) {
     Platform platform;
     addMetricsReaders(platform, root);
     addDesktopServices(platform, root);
-    platform.model = std::make_unique<OllamaModel>(); // the local runtime, on loopback only
+    platform.model =
+        std::make_unique<ollama_platform::OllamaModel>(); // the local runtime, on loopback only
     return platform;
 }
 

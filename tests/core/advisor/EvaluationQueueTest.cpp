@@ -1,9 +1,9 @@
 #include "core/advisor/EvaluationQueue.h"
 
-#include "QtPrinting.h"
 #include "ScriptedModel.h"
 #include "core/advisor/AdvisorTexts.h"
 #include "core/settings/SettingsKeys.h"
+#include "support/QtPrinting.h"
 
 #include <QCoreApplication>
 #include <QSettings>

@@ -1,7 +1,7 @@
-#include "QtPrinting.h"
 #include "core/advisor/AIAdvisor.h"
 #include "core/advisor/AdvisorTexts.h"
 #include "core/advisor/GenVerdict.h"
+#include "support/QtPrinting.h"
 
 #include <QCryptographicHash>
 #include <gtest/gtest.h>

@@ -1,12 +1,10 @@
 #include "core/cleanup/BaselineEngine.h"
 #include "core/cleanup/FocusTracker.h"
 #include "core/metrics/SystemMetrics.h"
-#include "core/settings/LoginItem.h"
 #include "core/settings/Preferences.h"
 #include "core/settings/SettingsKeys.h"
 #include "support/TempSettings.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -49,7 +47,6 @@ TEST(SettingsStoreTest, EveryKeyIsStoredUnderItsNameAndSurvivesARestart) {
     EXPECT_FALSE(BaselineEngine::openStore()->contains(baselinesKey)); // every 30th observation
     engine.observe({});
     engine.waitForWrites();
-    ASSERT_TRUE(LoginItem::set(true)); // kept nowhere but in the autostart entry
 
     const QByteArray text = settingsFileText();
     for (const char* line : {"quelmo.lang=ko", "quelmo.catStyle=cheese", "nuvex.sensitivity=0.8"})
@@ -64,13 +61,6 @@ TEST(SettingsStoreTest, EveryKeyIsStoredUnderItsNameAndSurvivesARestart) {
     EXPECT_DOUBLE_EQ(SystemMetrics{Platform{}}.sensitivity(), 0.8);
     EXPECT_EQ(BaselineEngine(baselinesKey).baselines(), engine.baselines());
     EXPECT_EQ(FocusTracker(nullptr).lastActiveSeconds("mousepad"), 1.7e9);
-
-    QFile entry(LoginItem::entryPath());
-    ASSERT_TRUE(entry.open(QIODevice::ReadOnly));
-    EXPECT_EQ(entry.readAll(), LoginItem::entryText(QCoreApplication::applicationFilePath()));
-    EXPECT_TRUE(LoginItem::isEnabled());
-    ASSERT_TRUE(LoginItem::set(false));
-    EXPECT_FALSE(QFile::exists(LoginItem::entryPath()));
 }
 
 TEST(SettingsStoreTest, DamagedFilesAndValuesReadAsDefaultsAndSpareTheOtherKeys) {

@@ -1,11 +1,10 @@
-#include "core/advisor/LocalRuntime.h"
+#include "platform/ollama/RuntimeDetection.h"
 
 #include <QDir>
 #include <QFileInfo>
-#include <QHostAddress>
 #include <QStandardPaths>
 
-namespace quelmo {
+namespace quelmo::ollama_platform {
 
 bool localRuntimeInstalled() {
     if (!QStandardPaths::findExecutable(QStringLiteral("ollama")).isEmpty())
@@ -29,19 +28,4 @@ bool localRuntimeInstalled() {
     return false;
 }
 
-std::optional<QUrl> loopbackEndpoint(const QUrl& url) {
-    if (!url.isValid() || url.scheme() != QLatin1String("http"))
-        return std::nullopt;
-    const QString host = url.host();
-    if (host.compare(QLatin1String("localhost"), Qt::CaseInsensitive) == 0) {
-        QUrl pinned = url;
-        pinned.setHost(QStringLiteral("127.0.0.1"));
-        return pinned;
-    }
-    QHostAddress address;
-    if (address.setAddress(host) && address.isLoopback())
-        return url;
-    return std::nullopt;
-}
-
-} // namespace quelmo
+} // namespace quelmo::ollama_platform

@@ -1,4 +1,4 @@
-#include "core/advisor/OllamaModel.h"
+#include "platform/ollama/OllamaModel.h"
 
 #include "core/advisor/JsonText.h"
 
@@ -12,7 +12,7 @@
 #include <QTimer>
 #include <algorithm>
 
-namespace quelmo {
+namespace quelmo::ollama_platform {
 
 namespace {
 
@@ -234,4 +234,4 @@ std::optional<bool> OllamaModel::canChat(const QByteArray& showBody) {
         .contains(QJsonValue(QStringLiteral("completion")));
 }
 
-} // namespace quelmo
+} // namespace quelmo::ollama_platform

@@ -1,11 +1,11 @@
-#include "core/settings/LoginItem.h"
+#include "platform/linux/apps/AutostartEntry.h"
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
-using quelmo::LoginItem::autostartProgram;
+using quelmo::linux_platform::AutostartEntry;
 
 namespace {
 
@@ -33,21 +33,21 @@ protected:
 };
 
 TEST_F(AutostartProgramTest, TheInstalledProgramStartsItselfByItsInstalledPath) {
-    EXPECT_EQ(autostartProgram(installed, installed), installed);
-    EXPECT_EQ(autostartProgram(root.filePath("bin/quelmo"), installed), installed);
+    EXPECT_EQ(AutostartEntry::autostartProgram(installed, installed), installed);
+    EXPECT_EQ(AutostartEntry::autostartProgram(root.filePath("bin/quelmo"), installed), installed);
 }
 
 TEST_F(AutostartProgramTest, ABuildInASourceTreeStartsThatBuild) {
-    EXPECT_EQ(autostartProgram(built, installed), built);
+    EXPECT_EQ(AutostartEntry::autostartProgram(built, installed), built);
     QFile::remove(installed); // nothing installed at all
-    EXPECT_EQ(autostartProgram(built, installed), built);
+    EXPECT_EQ(AutostartEntry::autostartProgram(built, installed), built);
 }
 
 // An upgrade replaces the running program's file; the process can then no longer name it.
 TEST_F(AutostartProgramTest, AnUnknownRunningPathFallsBackToTheInstalledProgramWhenThereIsOne) {
-    EXPECT_EQ(autostartProgram(QString(), installed), installed);
+    EXPECT_EQ(AutostartEntry::autostartProgram(QString(), installed), installed);
     QFile::remove(installed);
-    EXPECT_EQ(autostartProgram(QString(), installed), QString());
+    EXPECT_EQ(AutostartEntry::autostartProgram(QString(), installed), QString());
 }
 
 } // namespace

@@ -5,9 +5,9 @@
 
 #include "core/advisor/AIAdvisor.h"
 #include "core/advisor/AdvisorTexts.h"
-#include "core/advisor/FakeOllamaServer.h"
 #include "core/advisor/GenVerdict.h"
-#include "core/advisor/OllamaModel.h"
+#include "platform/ollama/FakeOllamaServer.h"
+#include "platform/ollama/OllamaModel.h"
 
 #include <QCoreApplication>
 #include <QSettings>
@@ -16,6 +16,7 @@
 #include <benchmark/benchmark.h>
 
 using namespace quelmo;
+using namespace quelmo::ollama_platform;
 using namespace quelmo::test;
 
 namespace {

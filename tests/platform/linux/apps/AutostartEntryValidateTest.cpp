@@ -1,4 +1,4 @@
-#include "core/settings/LoginItem.h"
+#include "platform/linux/apps/AutostartEntry.h"
 
 #include <QFile>
 #include <QProcess>
@@ -9,7 +9,7 @@
 namespace {
 
 // The validator must print nothing at all, not even a hint, for programs at awkward paths.
-TEST(LoginItemValidateTest, TheAutostartEntryPassesDesktopFileValidate) {
+TEST(AutostartEntryValidateTest, TheAutostartEntryPassesDesktopFileValidate) {
     if (QStandardPaths::findExecutable("desktop-file-validate").isEmpty())
         GTEST_SKIP() << "desktop-file-validate is not installed (Debian: desktop-file-utils)";
     QTemporaryDir dir;
@@ -18,7 +18,7 @@ TEST(LoginItemValidateTest, TheAutostartEntryPassesDesktopFileValidate) {
                                 "/opt/100%/a$b/\"q\"/x\\y/quelmo", "/home/유저/bin/quelmo"}) {
         QFile file(path);
         ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        file.write(quelmo::LoginItem::entryText(QString::fromUtf8(program)));
+        file.write(quelmo::linux_platform::AutostartEntry::entryText(QString::fromUtf8(program)));
         file.close();
         QProcess validator;
         validator.setProcessChannelMode(QProcess::MergedChannels);

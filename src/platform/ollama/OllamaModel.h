@@ -4,7 +4,8 @@
 // interface. Every request is a fresh, non-streaming chat; nothing is sent anywhere else.
 
 #include "core/advisor/LanguageModel.h"
-#include "core/advisor/LocalRuntime.h"
+#include "core/advisor/LoopbackEndpoint.h"
+#include "platform/ollama/RuntimeDetection.h"
 
 #include <QList>
 #include <QObject>
@@ -15,7 +16,7 @@
 
 class QNetworkAccessManager;
 
-namespace quelmo {
+namespace quelmo::ollama_platform {
 
 struct OllamaOptions {
     // Must be a loopback address; any other is refused before a request is made.
@@ -88,4 +89,4 @@ private:
     QString chatModel_;
 };
 
-} // namespace quelmo
+} // namespace quelmo::ollama_platform
