@@ -67,7 +67,7 @@ void ProcfsFloor(benchmark::State& state) {
         ::rewinddir(proc);
         const int dir = ::dirfd(proc);
         rows = 0;
-        std::array<char, 64> path;
+        std::array<char, sizeof(dirent::d_name) + 8> path; // the name and "/stat"
         std::array<char, 4096> stat;
         while (const dirent* entry = ::readdir(proc)) {
             if (entry->d_name[0] < '0' || entry->d_name[0] > '9')

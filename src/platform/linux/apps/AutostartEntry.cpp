@@ -64,10 +64,9 @@ QString escapeValue(const QString& value) {
 } // namespace
 
 AutostartEntry::AutostartEntry(QString program, QString path)
-    : program_(program.isEmpty()
-                   ? autostartProgram(QCoreApplication::applicationFilePath(),
-                                      QStringLiteral(QUELMO_INSTALLED_PROGRAM))
-                   : std::move(program)),
+    : program_(program.isEmpty() ? autostartProgram(QCoreApplication::applicationFilePath(),
+                                                    QStringLiteral(QUELMO_INSTALLED_PROGRAM))
+                                 : std::move(program)),
       path_(std::move(path)) {}
 
 QString AutostartEntry::autostartProgram(const QString& running, const QString& installed) {

@@ -153,14 +153,16 @@ std::optional<ProcessRecord> ProcfsProcessReader::readProcess(std::string_view p
     const auto stat = statText ? parseProcStat(*statText) : std::nullopt;
     if (!stat)
         return std::nullopt;
-    std::optional<std::uint32_t> effectiveUid = owner.st_uid;
+    std::uint32_t effectiveUid = owner.st_uid;
+    bool ownerKnown = true;
     if (!ownersAreEffectiveUids_ || (owner.st_uid == 0 && !stat->isKernelThread())) {
         std::array<char, 1024> statusBuffer; // the Uid line is within the first few hundred bytes
         const auto status = readInto(dir, file("status"), statusBuffer);
         if (!status)
             return std::nullopt; // gone between the two reads
         const auto uids = parseStatusUids(*status);
-        effectiveUid = uids ? std::optional(uids->effective) : std::nullopt;
+        ownerKnown = uids.has_value();
+        effectiveUid = uids ? uids->effective : 0;
     }
 
     ProcessRecord record;
@@ -172,8 +174,8 @@ std::optional<ProcessRecord> ProcfsProcessReader::readProcess(std::string_view p
     } else {
         record.name = processName(stat->comm, {});
     }
-    if (effectiveUid)
-        record.user = users_.nameOf(*effectiveUid);
+    if (ownerKnown)
+        record.user = users_.nameOf(effectiveUid);
     record.cpuTicks = stat->cpuTicks;
     record.startTime = stat->startTime;
     record.rssBytes = static_cast<double>(stat->rssPages) * pageSize_;
