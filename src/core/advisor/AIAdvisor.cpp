@@ -5,35 +5,63 @@
 #include "core/settings/AppLang.h"
 
 #include <QTimer>
+#include <algorithm>
+#include <chrono>
 
 namespace quelmo {
 
-AIAdvisor::AIAdvisor(std::unique_ptr<LanguageModel> model, QObject* parent)
-    : QObject(parent), model_(std::move(model)), availability_(model_->assumedAvailability()),
-      lookSoon_(new QTimer(this)) {
-    lookSoon_->setSingleShot(true);
-    lookSoon_->setInterval(0);
-    connect(lookSoon_, &QTimer::timeout, this, &AIAdvisor::refreshStatus);
-    lookSoon_->start();
+AIAdvisor::AIAdvisor(std::unique_ptr<LanguageModel> model, Clock clock, QObject* parent)
+    : QObject(parent), model_(std::move(model)), clock_(std::move(clock)),
+      availability_(model_->assumedAvailability()), lookTimer_(new QTimer(this)) {
+    lookTimer_->setSingleShot(true);
+    connect(lookTimer_, &QTimer::timeout, this, &AIAdvisor::refreshStatus);
+    requestLook();
 }
 
 AIAdvisor::~AIAdvisor() = default;
 
+qint64 AIAdvisor::monotonicMs() {
+    return std::chrono::duration_cast<std::chrono::milliseconds>(
+               std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+}
+
 AIAdvisor::Status AIAdvisor::status() const {
-    if (!looking_ && !lookSoon_->isActive() &&
-        (!lookedAt_.isValid() || lookedAt_.hasExpired(refreshIntervalMs)))
-        lookSoon_->start();
+    if (doubted() || !lookAnsweredAt_ || clock_() - *lookAnsweredAt_ >= refreshIntervalMs)
+        requestLook();
     return statusFor(availability_, AppLang::effective() == QLatin1String("ko"));
+}
+
+bool AIAdvisor::readyToEvaluate() const {
+    return status().available && !doubted();
+}
+
+void AIAdvisor::requestLook() const {
+    if (looking_)
+        return; // its answer asks again if it is out of date by then
+    const qint64 wait =
+        lookStartedAt_
+            ? std::clamp<qint64>(*lookStartedAt_ + minLookGapMs - clock_(), 0, minLookGapMs)
+            : 0;
+    // A timer already set for sooner stays; one set for later (by a clock that has moved on
+    // since) is brought forward.
+    if (lookTimer_->isActive() && lookTimer_->remainingTime() <= wait)
+        return;
+    lookTimer_->start(static_cast<int>(wait));
 }
 
 void AIAdvisor::refreshStatus() {
     if (looking_)
         return;
     looking_ = true;
-    model_->probe([this](ModelAvailability found) {
+    lookStartedAt_ = clock_();
+    model_->probe([this, failuresBefore = failures_](ModelAvailability found) {
         looking_ = false;
-        lookedAt_.start();
+        lookAnsweredAt_ = clock_();
         availability_ = found;
+        failuresSeenByLook_ = failuresBefore;
+        if (doubted()) // a request failed while this look was under way
+            requestLook();
         emit statusRefreshed();
     });
 }
@@ -70,8 +98,12 @@ void AIAdvisor::evaluate(const AIQueueEntry& entry, bool korean, Done done) {
     request.format = GenVerdict::schemaText();
     model_->respond(request, [this, done = std::move(done)](std::optional<QString> answer) {
         std::optional<AIVerdict> verdict = answer ? verdictFromAnswer(*answer) : std::nullopt;
-        if (!verdict)
-            lookedAt_.invalidate(); // the runtime may have gone away: look again at the next read
+        if (!verdict) {
+            // The runtime may have gone away or lost its model: not to be trusted again until
+            // a new look says so.
+            ++failures_;
+            requestLook();
+        }
         done(std::move(verdict));
     });
 }

@@ -6,7 +6,6 @@
 #include "core/advisor/AIVerdict.h"
 #include "core/advisor/LanguageModel.h"
 
-#include <QElapsedTimer>
 #include <QList>
 #include <QObject>
 #include <QString>
@@ -31,16 +30,24 @@ public:
     };
 
     using Done = std::function<void(std::optional<AIVerdict>)>;
+    using Clock = std::function<qint64()>; // milliseconds on a monotonic clock
 
-    explicit AIAdvisor(std::unique_ptr<LanguageModel> model, QObject* parent = nullptr);
+    explicit AIAdvisor(std::unique_ptr<LanguageModel> model, Clock clock = monotonicMs,
+                       QObject* parent = nullptr);
     ~AIAdvisor() override;
 
     // The availability found by the last look at the model, with its reason text chosen in the
     // effective language at this call. Never waits: the look itself happens in the background,
     // once at construction and again after a failed evaluation or when a read finds it older
-    // than `refreshIntervalMs`, so nothing is polled while nobody asks. Until the first look
-    // has answered, this is the model's guess: not installed, or "Unavailable".
+    // than `refreshIntervalMs`, so nothing is polled while nobody asks. Looks start at most once
+    // every `minLookGapMs`. Until the first look has answered, this is the model's guess: not
+    // installed, or "Unavailable".
     Status status() const;
+
+    // Whether an evaluation should start now: the last look found the model available and no
+    // request has failed since that look started. After a failure this stays false until a new
+    // look has answered, which it asks for.
+    bool readyToEvaluate() const;
 
     // Asks the model about one candidate, in Korean when `korean` is true, else in English.
     // `done` receives the verdict, or nothing when the model is unavailable or anything in the
@@ -57,21 +64,32 @@ public:
     // The availability reason texts, in Korean or English.
     static Status statusFor(ModelAvailability availability, bool korean);
 
+    static qint64 monotonicMs();
+
     static constexpr qint64 refreshIntervalMs = 30000;
+    static constexpr qint64 minLookGapMs = 5000;
 
 signals:
     // A look at the model has answered; `status()` may or may not have changed.
     void statusRefreshed();
 
 private:
+    // Starts a look from the event loop, as soon as the gap since the last one allows.
+    void requestLook() const;
     void refreshStatus();
+    bool doubted() const { return failures_ != failuresSeenByLook_; }
     std::optional<AIVerdict> verdictFromAnswer(const QString& answer) const;
 
     std::unique_ptr<LanguageModel> model_;
+    Clock clock_;
     ModelAvailability availability_ = ModelAvailability::otherReason;
-    QElapsedTimer lookedAt_; // invalid until a look has answered, and after a failed evaluation
+    std::optional<qint64> lookStartedAt_;
+    std::optional<qint64> lookAnsweredAt_;
     bool looking_ = false;
-    QTimer* lookSoon_; // zero-delay, single-shot: starts a look from the event loop
+    // Failed requests so far, and how many of them the last answered look had seen start.
+    quint64 failures_ = 0;
+    quint64 failuresSeenByLook_ = 0;
+    QTimer* lookTimer_; // single-shot
 };
 
 } // namespace quelmo

@@ -21,15 +21,25 @@ AIQueueEntry queueEntry(const CleanupCandidate& candidate) {
 
 } // namespace
 
-EvaluationQueue::EvaluationQueue(AIAdvisor& advisor, std::function<void()> verdictsChanged)
-    : advisor_(advisor), verdictsChanged_(std::move(verdictsChanged)) {}
+EvaluationQueue::EvaluationQueue(AIAdvisor& advisor, std::function<void()> verdictsChanged,
+                                 AIAdvisor::Clock clock)
+    : advisor_(advisor), verdictsChanged_(std::move(verdictsChanged)), clock_(std::move(clock)) {
+    // Entries held back while the model was in doubt go on once a look finds it usable.
+    lookAnswered_ =
+        QObject::connect(&advisor_, &AIAdvisor::statusRefreshed, &advisor_, [this] { pump(); });
+}
+
+EvaluationQueue::~EvaluationQueue() {
+    QObject::disconnect(lookAnswered_);
+}
 
 void EvaluationQueue::queueCandidates(const QList<CleanupCandidate>& candidates) {
     if (!advisor_.status().available)
         return;
+    const qint64 now = clock_();
     for (const CleanupCandidate& candidate : candidates) {
         const QString key = candidate.key();
-        if (verdicts_.contains(key))
+        if (verdicts_.contains(key) || pausing(key, now))
             continue;
         if (std::any_of(entries_.cbegin(), entries_.cend(),
                         [&](const AIQueueEntry& queued) { return queued.name == key; }))
@@ -40,7 +50,7 @@ void EvaluationQueue::queueCandidates(const QList<CleanupCandidate>& candidates)
 }
 
 void EvaluationQueue::pump() {
-    if (!advisor_.status().available)
+    if (!advisor_.readyToEvaluate())
         return;
     if (busy_)
         return;
@@ -57,15 +67,37 @@ void EvaluationQueue::pump() {
         const std::shared_ptr<EvaluationQueue*> alive = self.lock();
         if (!alive)
             return;
-        EvaluationQueue& queue = **alive;
-        if (verdict) {
-            AIVerdictMap verdicts = queue.verdicts_;
-            verdicts.insert(name, *verdict);
-            queue.setVerdicts(std::move(verdicts));
-        }
-        queue.busy_ = false;
-        queue.pump();
+        (*alive)->finished(name, std::move(verdict));
     });
+}
+
+void EvaluationQueue::finished(const QString& key, std::optional<AIVerdict> verdict) {
+    if (verdict) {
+        pauses_.remove(key);
+        AIVerdictMap verdicts = verdicts_;
+        verdicts.insert(key, *verdict);
+        setVerdicts(std::move(verdicts));
+    } else {
+        const qint64 now = clock_();
+        const auto last = pauses_.constFind(key);
+        const qint64 length = last == pauses_.cend()
+                                  ? firstRetryDelayMs
+                                  : std::min(last->length * 2, longestRetryDelayMs);
+        pauses_.insert(key, {now + length, length});
+        // A key queued again while it was being asked waits out its pause as well.
+        entries_.removeIf([&](const AIQueueEntry& queued) { return queued.name == key; });
+        // Failure runs long over are forgotten, so the table holds only keys failing lately.
+        pauses_.removeIf([now](QHash<QString, Pause>::iterator pause) {
+            return pause->until + longestRetryDelayMs < now;
+        });
+    }
+    busy_ = false;
+    pump();
+}
+
+bool EvaluationQueue::pausing(const QString& key, qint64 now) const {
+    const auto pause = pauses_.constFind(key);
+    return pause != pauses_.cend() && now < pause->until;
 }
 
 void EvaluationQueue::clear() {
@@ -73,6 +105,7 @@ void EvaluationQueue::clear() {
     // in the emptied cache and is replaced once its key has been asked again.
     setVerdicts({});
     entries_.clear();
+    pauses_.clear();
 }
 
 void EvaluationQueue::setVerdicts(AIVerdictMap verdicts) {

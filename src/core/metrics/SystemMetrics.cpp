@@ -51,7 +51,12 @@ SystemMetrics::SystemMetrics(Platform platform, QObject* parent)
     coreSummary_ = ChipInfo::coreSummary(chip);
     memoryGB_ = mem_.total() * (1.0 / 1073741824.0);
 
-    aiStatus_ = advisor_->status();
+    // The status kept for the cleanup card is the first real look at the model, not the guess
+    // the advisor starts with; until that look has answered, the card shows no reason at all.
+    // Connected before anyone else can listen, so readers of the signal find it captured.
+    connect(
+        advisor_.get(), &AIAdvisor::statusRefreshed, this,
+        [this] { aiStatus_ = advisor_->status(); }, Qt::SingleShotConnection);
 
     // A stored value that is not a finite number is ignored and left as it is.
     const QVariant stored = QSettings().value(SettingsKeys::sensitivity);

@@ -88,6 +88,8 @@ public:
     // Read by the rest of the program.
     bool pollProcesses() const { return pollProcesses_; }
     void setPollProcesses(bool on) { pollProcesses_ = on; }
+    // The advisor's status at its first look, which the advisor signals; before that, neither
+    // available nor with a reason.
     AIAdvisor::Status aiStatus() const { return aiStatus_; }
     // The advisor itself, whose status is read live by the cleanup card.
     const AIAdvisor* advisor() const { return advisor_.get(); }

@@ -10,11 +10,15 @@ namespace quelmo::test {
 
 struct ScriptedModel : LanguageModel {
     ModelAvailability availability = ModelAvailability::available;
+    int probes = 0;               // looks at the availability
     QList<ModelRequest> requests; // every request, in order
     QList<std::function<void(std::optional<QString>)>> waiting;
 
     ModelAvailability assumedAvailability() const override { return availability; }
-    void probe(std::function<void(ModelAvailability)> done) override { done(availability); }
+    void probe(std::function<void(ModelAvailability)> done) override {
+        ++probes;
+        done(availability);
+    }
     void respond(const ModelRequest& request,
                  std::function<void(std::optional<QString>)> done) override {
         requests << request;

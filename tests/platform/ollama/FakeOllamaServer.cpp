@@ -14,6 +14,7 @@ FakeOllamaServer::FakeOllamaServer() {
     server_.listen(QHostAddress::LocalHost, 0);
     QObject::connect(&server_, &QTcpServer::newConnection, &server_, [this] {
         QTcpSocket* socket = server_.nextPendingConnection();
+        ++connections;
         QObject::connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
         QObject::connect(
             socket, &QTcpSocket::readyRead, socket,
@@ -41,8 +42,8 @@ void FakeOllamaServer::serve(QTcpSocket* socket, QByteArray& buffer) {
         answer = Answer{200, "{\"capabilities\":" + capabilities_.value(model) + "}"};
     const QByteArray response =
         "HTTP/1.1 " + QByteArray::number(answer.status) +
-        " Scripted\r\nContent-Length: " + QByteArray::number(answer.body.size()) + "\r\n\r\n" +
-        answer.body;
+        " Scripted\r\nContent-Length: " + QByteArray::number(answer.body.size()) + "\r\n" +
+        answer.headers + "\r\n" + answer.body;
     // Timed on the socket, so that the write is dropped with a connection the client has closed.
     QTimer::singleShot(answer.delayMs, socket, [socket, response] { socket->write(response); });
 }

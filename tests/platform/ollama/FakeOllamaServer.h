@@ -19,7 +19,8 @@ public:
     struct Answer {
         int status = 200;
         QByteArray body;
-        int delayMs = 0; // answer only after this long
+        int delayMs = 0;         // answer only after this long
+        QByteArray headers = {}; // further header lines, each ending in CRLF
     };
     FakeOllamaServer();
 
@@ -36,6 +37,7 @@ public:
     // /api/chat answering with `content` as the assistant's message.
     static Answer chatAnswer(const QByteArray& content);
 
+    int connections = 0;        // every connection accepted, whatever it then sends
     QList<QByteArray> requests; // "METHOD /path" of every request received, in order
     QByteArray lastBody;        // the body of the last one
 

@@ -4,6 +4,7 @@
 #include "core/advisor/AIAdvisor.h"
 #include "core/advisor/AdvisorTexts.h"
 #include "core/advisor/GenVerdict.h"
+#include "core/metrics/SystemMetrics.h"
 #include "support/QtPrinting.h"
 
 #include <QJsonArray>
@@ -39,7 +40,7 @@ struct Client {
     bool looked = false;
 
     explicit Client(const QUrl& endpoint, bool installed = false)
-        : model(new OllamaModel({endpoint, 2000, 10000, [=] { return installed; }})),
+        : model(new OllamaModel({endpoint, 600, 10000, [=] { return installed; }})),
           advisor(std::unique_ptr<LanguageModel>(model)) {
         QObject::connect(&advisor, &AIAdvisor::statusRefreshed, [this] { looked = true; });
         EXPECT_TRUE(waitUntil([&] { return looked; }));
@@ -128,6 +129,83 @@ TEST(OllamaModel, AvailabilityFollowsTheRuntime) {
         Client client(endpoint, installed);
         EXPECT_EQ(client.advisor.status().reason, reason);
         EXPECT_EQ(client.evaluate(), std::nullopt);
+    }
+}
+
+} // namespace
+
+namespace {
+
+// A second loopback port that any request leaving the runtime's own address would reach.
+struct Bystander {
+    FakeOllamaServer server;
+    Bystander() {
+        server.serveModels("[]", "[" + qwen + "]", capabilities);
+        server.on("POST", "/api/chat", FakeOllamaServer::chatAnswer(goodAnswer));
+    }
+    QByteArray url() const { return server.url().toString().toUtf8(); }
+};
+
+TEST(OllamaModelPrivacy, RedirectsAreNeverFollowed) {
+    Bystander elsewhere;
+    const Answer redirect{307, "", 0, "Location: " + elsewhere.url() + "/api/chat\r\n"};
+    FakeOllamaServer runtime;
+    runtime.serveModels("[]", "[" + qwen + "]", capabilities);
+    runtime.on("POST", "/api/chat", redirect);
+    EXPECT_EQ(Client(runtime.url()).evaluate(), std::nullopt);
+
+    // A runtime whose every answer points elsewhere is not one that can be used.
+    FakeOllamaServer pointing;
+    for (const char* path : {"/api/ps", "/api/tags"})
+        pointing.on("GET", path, redirect);
+    EXPECT_EQ(Client(pointing.url()).advisor.status().reason, "Unavailable");
+    EXPECT_EQ(elsewhere.server.connections, 0);
+}
+
+// Qt's own proxy lookup skips loopback hosts as well; the client's refusal keeps the promise
+// whatever that lookup does.
+TEST(OllamaModelPrivacy, ProxiesFromTheEnvironmentAreBypassed) {
+    Bystander proxy;
+    const char* names[] = {"http_proxy", "HTTP_PROXY", "all_proxy", "ALL_PROXY"};
+    for (const char* name : names)
+        qputenv(name, proxy.url());
+    FakeOllamaServer runtime;
+    runtime.serveModels("[]", "[" + qwen + "]", capabilities);
+    runtime.on("POST", "/api/chat", FakeOllamaServer::chatAnswer(goodAnswer));
+    EXPECT_NE(Client(runtime.url()).evaluate(), std::nullopt);
+    EXPECT_EQ(proxy.server.connections, 0);
+    for (const char* name : names)
+        qunsetenv(name);
+}
+
+TEST(OllamaModelPrivacy, AnAnswerOverTheSizeLimitYieldsNoVerdict) {
+    // A well-formed answer, but its explanation alone is past the limit.
+    QJsonObject verdict = QJsonDocument::fromJson(goodAnswer).object();
+    verdict["explanation"] = QString(OllamaModel::maxAnswerBytes, 'x');
+    FakeOllamaServer runtime;
+    runtime.serveModels("[]", "[" + qwen + "]", capabilities);
+    runtime.on("POST", "/api/chat",
+               FakeOllamaServer::chatAnswer(QJsonDocument(verdict).toJson(QJsonDocument::Compact)));
+    EXPECT_EQ(Client(runtime.url()).evaluate(), std::nullopt);
+}
+
+// The status the hub keeps for the cleanup card is the first real look, not the guess before it.
+TEST(OllamaModel, TheHubKeepsTheFirstLookAtTheRuntime) {
+    FakeOllamaServer running;
+    running.serveModels("[]", "[" + qwen + "]", capabilities);
+    const QUrl stopped = FakeOllamaServer().url();
+    const std::tuple<QUrl, AIAdvisor::Status> runtimes[] = {
+        {running.url(), {true, ""}}, {stopped, {false, "Apple Intelligence is turned off"}}};
+    for (const auto& [endpoint, expected] : runtimes) {
+        Platform platform;
+        platform.model =
+            std::make_unique<OllamaModel>(OllamaOptions{endpoint, 600, 10000, [] { return true; }});
+        SystemMetrics hub(std::move(platform));
+        EXPECT_EQ(hub.aiStatus(), AIAdvisor::Status{}); // nothing to show yet
+        bool looked = false;
+        QObject::connect(hub.advisor(), &AIAdvisor::statusRefreshed, [&] { looked = true; });
+        ASSERT_TRUE(waitUntil([&] { return looked; }));
+        EXPECT_EQ(hub.aiStatus(), expected);
     }
 }
 
