@@ -39,8 +39,8 @@ struct Client {
     AIAdvisor advisor;
     bool looked = false;
 
-    explicit Client(const QUrl& endpoint, bool installed = false)
-        : model(new OllamaModel({endpoint, 600, 10000, [=] { return installed; }})),
+    explicit Client(const QUrl& endpoint, bool installed = false, int answerTimeoutMs = 1000)
+        : model(new OllamaModel({endpoint, answerTimeoutMs, 10000, [=] { return installed; }})),
           advisor(std::unique_ptr<LanguageModel>(model)) {
         QObject::connect(&advisor, &AIAdvisor::statusRefreshed, [this] { looked = true; });
         EXPECT_TRUE(waitUntil([&] { return looked; }));
@@ -186,7 +186,8 @@ TEST(OllamaModelPrivacy, AnAnswerOverTheSizeLimitYieldsNoVerdict) {
     runtime.serveModels("[]", "[" + qwen + "]", capabilities);
     runtime.on("POST", "/api/chat",
                FakeOllamaServer::chatAnswer(QJsonDocument(verdict).toJson(QJsonDocument::Compact)));
-    EXPECT_EQ(Client(runtime.url()).evaluate(), std::nullopt);
+    // Time enough for the whole answer to arrive, so that only the limit can refuse it.
+    EXPECT_EQ(Client(runtime.url(), false, 30000).evaluate(), std::nullopt);
 }
 
 // The status the hub keeps for the cleanup card is the first real look, not the guess before it.
