@@ -105,6 +105,9 @@ struct FakeSignaller : ProcessSignaller {
         std::function<bool()> send;
         bool sendTerminate() override { return send(); }
     };
+    std::optional<std::uint64_t> startTimeNow(qint64 pid) override {
+        return running.contains(pid) ? std::optional(running.value(pid)) : std::nullopt;
+    }
     std::unique_ptr<ProcessHandle> open(qint64 pid, std::uint64_t startTime) override {
         if (!running.contains(pid) || running.value(pid) != startTime)
             return nullptr;

@@ -74,6 +74,9 @@ QList<CleanupCandidate> selectCleanupCandidates(const std::vector<ProcInfo>& pro
             continue;
         if (in.cuttingPIDs.contains(p.id) || isProtectedProcessName(p.name))
             continue;
+        // A process without a name cannot be shown, told apart from others, or judged.
+        if (p.name.trimmed().isEmpty())
+            continue;
         // An application whose windows cannot be seen counts as a windowed application with no
         // usage history, and such an application is left alone.
         if (desktop.unseenAppPIDs.contains(p.id))

@@ -3,6 +3,7 @@
 #include <QtGlobal>
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 namespace quelmo {
 
@@ -19,6 +20,9 @@ public:
     virtual ~ProcessSignaller() = default;
     // Nothing when the pid is gone or now belongs to a process started at another time.
     virtual std::unique_ptr<ProcessHandle> open(qint64 pid, std::uint64_t startTime) = 0;
+    // When the process that has `pid` now was started; nothing when there is none, or it cannot
+    // be told.
+    virtual std::optional<std::uint64_t> startTimeNow(qint64 pid) = 0;
 };
 
 } // namespace quelmo

@@ -12,6 +12,7 @@ ProcessMonitor::ProcessMonitor(std::unique_ptr<ProcessSource> source)
 std::vector<ProcInfo> ProcessMonitor::snapshot() {
     if (!source_) {
         lastStartTimes_.clear();
+        figuresAreFresh_ = true;
         return {};
     }
     if (auto table = source_->readTable())
@@ -44,10 +45,17 @@ double ProcessMonitor::lifetimeCpuPercent(std::uint64_t cpuTicks, std::uint64_t 
 }
 
 std::vector<ProcInfo> ProcessMonitor::fromTable(ProcessTable table) {
-    // Only a reference old enough gives a meaningful difference; a closer snapshot repeats the
-    // figures that reference published and leaves it in place for the next one.
+    // Only a recent reference old enough to span a few clock ticks gives a meaningful
+    // difference. A closer snapshot repeats the figures that reference published and leaves it
+    // in place for the next one; after a gap (or a clock that went back) every process starts
+    // afresh, with the figure a new process gets.
     const double window = referenceTime_ ? table.uptimeSeconds - *referenceTime_ : 0.0;
-    const bool measurable = referenceTime_ && window >= minimumWindowSeconds;
+    const bool stale = referenceTime_ && (window > maximumWindowSeconds || !(window >= 0.0));
+    const bool measurable = referenceTime_ && !stale && window >= minimumWindowSeconds;
+    const bool repeats = referenceTime_ && !stale && !measurable;
+    if (stale)
+        reference_.clear();
+    figuresAreFresh_ = measurable;
     const double ticksPerSecond = static_cast<double>(table.ticksPerSecond);
 
     QHash<qint64, Reading> readings;
@@ -62,7 +70,7 @@ std::vector<ProcInfo> ProcessMonitor::fromTable(ProcessTable table) {
         const bool sameProcess =
             previous != reference_.constEnd() && previous->startTime == record.startTime;
         double cpu = 0;
-        if (sameProcess && !measurable)
+        if (sameProcess && repeats)
             cpu = previous->cpu;
         else if (sameProcess && record.cpuTicks >= previous->cpuTicks && ticksPerSecond > 0)
             cpu = static_cast<double>(record.cpuTicks - previous->cpuTicks) / ticksPerSecond /
@@ -82,7 +90,7 @@ std::vector<ProcInfo> ProcessMonitor::fromTable(ProcessTable table) {
         rows.push_back(std::move(row));
     }
 
-    if (measurable || !referenceTime_) {
+    if (!repeats) {
         reference_ = std::move(readings);
         referenceTime_ = table.uptimeSeconds;
     }
@@ -90,8 +98,10 @@ std::vector<ProcInfo> ProcessMonitor::fromTable(ProcessTable table) {
 }
 
 std::vector<ProcInfo> ProcessMonitor::fromProcessTool() {
-    // The tool's rows carry no start time, so no pid can be vouched for afterwards.
+    // The tool's rows carry no start time, so no pid can be vouched for afterwards. Its figures
+    // are its own, taken as they come.
     lastStartTimes_.clear();
+    figuresAreFresh_ = true;
     const auto output = source_->runProcessTool();
     if (!output)
         return {};

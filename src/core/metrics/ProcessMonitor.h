@@ -16,8 +16,10 @@ namespace quelmo {
 // From the kernel's table, a process's CPU figure is its CPU time over the wall time since the
 // previous snapshot that listed the same process (same pid and same start time), in percent of
 // one logical CPU. A process seen for the first time gets its lifetime average, the figure the
-// procps `ps` tool prints. Where the machine has no such table, the process-listing tool is run
-// and its text parsed instead.
+// procps `ps` tool prints. So does every process when the previous snapshot is too old to be a
+// reference (the popover was closed for a while): a difference spread over minutes would hide
+// what each process does now. Where the machine has no such table, the process-listing tool is
+// run and its text parsed instead.
 class ProcessMonitor {
 public:
     explicit ProcessMonitor(std::unique_ptr<ProcessSource> source);
@@ -34,6 +36,14 @@ public:
     // Snapshots closer together than this reuse the figures of the earlier one: the tick counts
     // move in steps of 1/100 s, so a few milliseconds would turn one tick into a huge spike.
     static constexpr double minimumWindowSeconds = 0.5;
+    // A reference older than this is not one: the next snapshot starts afresh.
+    static constexpr double maximumWindowSeconds = 3.0;
+
+    // Whether the CPU figures of the last snapshot were measured just now, over the interval
+    // since the one before. Not so for the first snapshot, the first after a gap, or one so
+    // close to the last that it repeats its figures: those must not be counted again, nor
+    // stand for what a process did over minutes, in long-term statistics.
+    bool figuresAreFresh() const { return figuresAreFresh_; }
 
 private:
     struct Reading {
@@ -49,6 +59,7 @@ private:
     QHash<qint64, Reading> reference_; // the readings later snapshots compare against
     std::optional<double> referenceTime_;
     QHash<qint64, std::uint64_t> lastStartTimes_;
+    bool figuresAreFresh_ = false;
 };
 
 } // namespace quelmo

@@ -118,7 +118,12 @@ void SystemMetrics::savePending() {
 
 void SystemMetrics::refreshProcesses() {
     const std::vector<ProcInfo> snapshot = procMon_.snapshot();
-    baseline_.observe(snapshot);
+    // The statistics learn from figures measured over the last second only: not the figures
+    // repeated by a refresh right after a tick (as after a cut), nor those of the first
+    // refresh after the popover was closed for a while. Such a refresh leaves the busy streaks
+    // as they were, so no row loses its place for it.
+    if (procMon_.figuresAreFresh())
+        baseline_.observe(snapshot);
     publish(topCPU_,
             topRows(
                 snapshot, [](const ProcInfo& p) { return p.cpu; }, 5),

@@ -74,8 +74,8 @@ struct Scene {
 };
 
 // Whatever they use, processes that are someone else's, this program, in front, part of the
-// system or being cut stay; so do applications used within R minutes, or T with a window, and
-// applications whose windows the desktop cannot show us.
+// system, being cut or without a name to show stay; so do applications used within R minutes,
+// or T with a window, and applications whose windows the desktop cannot show us.
 TEST(CandidateSelectionTest, NothingTheUserMayBeUsingIsOffered) {
     for (const auto& [s, recent, windowed] :
          std::vector<std::tuple<double, double, double>>{{0, 24, 60}, {0.5, 13, 32.5}, {1, 2, 5}}) {
@@ -91,7 +91,8 @@ TEST(CandidateSelectionTest, NothingTheUserMayBeUsingIsOffered) {
                                 proc(7, "g", 0, hog, "root"), proc(8, "h", 0, hog, "Alice"),
                                 proc(4242, "quelmo-dev", 0, hog), proc(11, "in-front", 0, hog),
                                 proc(12, "Xorg", 0, hog), proc(13, "Xorg helper", 0, hog),
-                                proc(15, "to-cut", 0, hog), proc(16, "unseen", 0, hog)}),
+                                proc(15, "to-cut", 0, hog), proc(16, "unseen", 0, hog),
+                                proc(17, "", 0, hog), proc(18, " ", 0, hog)}),
                   QList<qint64>({2, 4, 5, 13}));
     }
 }

@@ -101,12 +101,40 @@ TEST(ProcessMonitorTest, SnapshotsCloseTogetherRepeatTheLastFigures) {
     m.source->tables.push_back(table(1002.0, {record(10, 1125, 0), record(20, 60, 0)}));
 
     m.monitor.snapshot();
+    EXPECT_FALSE(m.monitor.figuresAreFresh()); // lifetime averages
     EXPECT_DOUBLE_EQ(cpuById(m.monitor.snapshot()).at(10), 75.0);
+    EXPECT_TRUE(m.monitor.figuresAreFresh());
     const auto close = cpuById(m.monitor.snapshot());
-    EXPECT_DOUBLE_EQ(close.at(10), 75.0); // not 50 % from 5 ticks in 0.1 s
-    EXPECT_DOUBLE_EQ(close.at(20), 0.0);  // new: its lifetime average (0.5 s in 1001 s)
+    EXPECT_DOUBLE_EQ(close.at(10), 75.0);      // not 50 % from 5 ticks in 0.1 s
+    EXPECT_DOUBLE_EQ(close.at(20), 0.0);       // new: its lifetime average (0.5 s in 1001 s)
+    EXPECT_FALSE(m.monitor.figuresAreFresh()); // already counted once
     // Measured against the snapshot of 1001.0, one second earlier.
     EXPECT_DOUBLE_EQ(cpuById(m.monitor.snapshot()).at(10), 50.0);
+    EXPECT_TRUE(m.monitor.figuresAreFresh());
+}
+
+// The popover closed for ten minutes: process 10 idled, then spun for the last 10 s. Spread over
+// the whole gap that would read 1.7 %; the snapshot after a gap gives the lifetime average
+// instead, and the next one measures over the second since.
+TEST(ProcessMonitorTest, AReferenceOlderThanAFewSecondsIsNotUsed) {
+    Monitor m;
+    m.source->tables.push_back(table(1000.0, {record(10, 1000, 0)}));
+    m.source->tables.push_back(table(1001.0, {record(10, 1075, 0)}));
+    m.source->tables.push_back(table(1601.0, {record(10, 2075, 0)}));
+    m.source->tables.push_back(table(1601.2, {record(10, 2095, 0)}));
+    m.source->tables.push_back(table(1602.0, {record(10, 2175, 0)}));
+    m.source->tables.push_back(table(1500.0, {record(10, 2175, 0)})); // a clock gone back
+
+    m.monitor.snapshot();
+    m.monitor.snapshot();
+    EXPECT_DOUBLE_EQ(cpuById(m.monitor.snapshot()).at(10), 1.2); // 20.75 s in 1601 whole s
+    EXPECT_FALSE(m.monitor.figuresAreFresh());
+    EXPECT_DOUBLE_EQ(cpuById(m.monitor.snapshot()).at(10), 1.2); // too close: repeated
+    EXPECT_FALSE(m.monitor.figuresAreFresh());
+    EXPECT_DOUBLE_EQ(cpuById(m.monitor.snapshot()).at(10), 100.0);
+    EXPECT_TRUE(m.monitor.figuresAreFresh());
+    m.monitor.snapshot();
+    EXPECT_FALSE(m.monitor.figuresAreFresh());
 }
 
 TEST(ProcessMonitorTest, WithoutAKernelTableRunsTheToolAndParsesItsText) {

@@ -139,6 +139,59 @@ TEST(SystemMetricsTest, CutProcessesStayHiddenForTheHoldAndLongerOnceThePopoverH
     EXPECT_EQ(fakes.processes->snapshots, 4);
 }
 
+// A kernel table read at the uptimes the test sets: one busy process (50 % of a CPU) and two
+// quiet ones.
+struct ClockedProcesses : FixedProcesses {
+    double uptime = 1000;
+    std::uint64_t busyTicks = 0;
+    std::optional<ProcessTable> readTable() override {
+        ++snapshots;
+        std::vector<ProcessRecord> records = {{300, "busy", "alice", busyTicks, 10, 0},
+                                              {301, "quiet", "alice", 0, 20, 0},
+                                              {302, "other", "alice", 0, 30, 0}};
+        return ProcessTable{records, 100, uptime};
+    }
+    void advance(double seconds) {
+        uptime += seconds;
+        busyTicks += static_cast<std::uint64_t>(seconds * 50);
+    }
+};
+
+// Figures repeated by the refresh inside a cut, or spread over the time the popover was closed,
+// neither reach the statistics nor cost a busy process its place among the candidates.
+TEST(SystemMetricsTest, BaselinesLearnOnlyFromFreshFiguresAndACutLeavesTheOtherRows) {
+    TempSettings::clear();
+    HubOnFakes fakes;
+    auto* table = new ClockedProcesses;
+    delete std::exchange(fakes.processes, table);
+    SystemMetrics& hub = fakes.build();
+    hub.setSensitivity(1.0); // busy for 6 observations in a row is `sustained`
+    hub.setPollProcesses(true);
+    hub.refreshProcesses(); // lifetime averages only
+    for (int tick = 0; tick < 6; ++tick) {
+        table->advance(1.0);
+        hub.refreshProcesses();
+    }
+    ASSERT_EQ(ids(hub.cleanupCandidates()), QList<qint64>({300}));
+
+    table->advance(0.3);
+    hub.terminate({302});
+    EXPECT_EQ(ids(hub.cleanupCandidates()), QList<qint64>({300}));
+    EXPECT_DOUBLE_EQ(hub.topCPU().front().cpu, 50.0);
+
+    table->advance(600); // the popover closed for ten minutes
+    hub.refreshProcesses();
+    table->advance(1.0);
+    hub.refreshProcesses();
+    EXPECT_EQ(ids(hub.cleanupCandidates()), QList<qint64>({300}));
+
+    hub.savePending();
+    const auto stored = BaselineEngine::decode(
+        BaselineEngine::openStore()->value(SettingsKeys::baselines).toByteArray(), 0);
+    ASSERT_TRUE(stored);
+    EXPECT_EQ(stored->baselines.value("busy").samples, 7); // six ticks, and one after the gap
+}
+
 constexpr double MiB = 1048576.0;
 constexpr double GiB = 1073741824.0;
 

@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <dirent.h>
 #include <fcntl.h>
+#include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
@@ -20,6 +21,8 @@ namespace quelmo::linux_platform {
 namespace {
 
 constexpr std::size_t kernelCommLength = 15; // TASK_COMM_LEN without its terminating zero
+// Longer names are cut: they are shown, stored with the statistics and put into prompts.
+constexpr std::size_t maxNameBytes = 255;
 
 // The contents of `name` under the directory `dir`, at most `buffer.size()` bytes, in a single
 // read (procfs hands a file over in one); nothing when it cannot be opened or read, as when the
@@ -42,6 +45,45 @@ std::optional<std::string_view> readInto(int dir, const char* name, std::array<c
     return std::string_view(buffer.data(), static_cast<std::size_t>(n));
 }
 
+// The file name of the first argument, when it begins with the kernel's cut of the name.
+std::optional<std::string_view> nameInArgument(std::string_view argument, std::string_view comm) {
+    const std::size_t slash = argument.rfind('/');
+    if (slash != std::string_view::npos)
+        argument.remove_prefix(slash + 1);
+    if (!argument.starts_with(comm))
+        return std::nullopt;
+    return argument;
+}
+
+// In a command line rewritten into one string: the first word that begins with the kernel's cut
+// of the name, at the start of the line or of a path's component, up to the first space past
+// that cut.
+std::optional<std::string_view> nameInRewrittenLine(std::string_view line, std::string_view comm) {
+    for (std::size_t start = 0; start < line.size();) {
+        if (line.substr(start).starts_with(comm))
+            return line.substr(start, line.find(' ', start + comm.size()) - start);
+        const std::size_t slash = line.find('/', start);
+        if (slash == std::string_view::npos)
+            break;
+        start = slash + 1;
+    }
+    return std::nullopt;
+}
+
+// The longest prefix of `text` of at most `limit` bytes that does not end inside a UTF-8
+// sequence.
+std::size_t utf8PrefixLength(std::string_view text, std::size_t limit) {
+    if (text.size() <= limit)
+        return text.size();
+    // Back over continuation bytes to the lead byte of the character the cut falls into; a
+    // character has at most three of them, and beyond that the bytes are no UTF-8 anyway.
+    for (std::size_t length = limit; length + 3 >= limit && length > 0; --length) {
+        if ((static_cast<unsigned char>(text[length]) & 0xC0) != 0x80)
+            return length;
+    }
+    return limit;
+}
+
 bool allDigits(std::string_view text) {
     if (text.empty())
         return false;
@@ -58,20 +100,15 @@ QString processName(std::string_view comm, std::string_view cmdline) {
     std::string_view name = comm;
     if (comm.size() == kernelCommLength && !cmdline.empty()) {
         const std::size_t end = cmdline.find('\0');
-        std::string_view first = cmdline.substr(0, end);
+        const std::string_view first = cmdline.substr(0, end);
         // A process that rewrote its command line into one string keeps its arguments after
-        // spaces in it; the name then stops at the first space past the kernel's part.
+        // spaces in it, and those may hold slashes of their own.
         const bool rewritten = end == std::string_view::npos || end + 1 >= cmdline.size();
-        const std::size_t slash = first.rfind('/');
-        if (slash != std::string_view::npos)
-            first.remove_prefix(slash + 1);
-        if (first.substr(0, comm.size()) == comm) {
-            if (rewritten)
-                first = first.substr(0, first.find(' ', comm.size()));
-            name = first;
-        }
+        if (const auto full =
+                rewritten ? nameInRewrittenLine(first, comm) : nameInArgument(first, comm))
+            name = *full;
     }
-    std::string printable(name);
+    std::string printable(name.substr(0, utf8PrefixLength(name, maxNameBytes)));
     for (char& c : printable) {
         if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f)
             c = '?';

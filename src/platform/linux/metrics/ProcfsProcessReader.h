@@ -42,8 +42,9 @@ private:
 };
 
 // The executable's name: `comm`, or, when the kernel cut it to 15 bytes, the file name of the
-// command line's first argument when that begins with `comm`. Control characters become '?',
-// as `ps` prints them.
+// command line's first argument when that begins with `comm` (in a command line rewritten into
+// one string, the word that begins with `comm`, up to the first space past it). At most 255
+// bytes, cut on a character boundary; control characters become '?', as `ps` prints them.
 QString processName(std::string_view comm, std::string_view cmdline);
 
 } // namespace quelmo::linux_platform

@@ -40,9 +40,7 @@ std::unique_ptr<ProcessHandle> PidfdSignaller::open(qint64 pid, std::uint64_t st
         return nullptr;
     auto handle = std::make_unique<PidfdHandle>(static_cast<int>(fd));
 
-    const auto stat = readSmallFile(procPath(root_, pid, "stat"));
-    const auto parsed = stat ? parseProcStat(*stat) : std::nullopt;
-    if (!parsed || parsed->startTime != startTime)
+    if (startTimeNow(pid) != startTime)
         return nullptr;
 
     // Another user's process is never signalled, even where the permissions would allow it.
@@ -52,6 +50,14 @@ std::unique_ptr<ProcessHandle> PidfdSignaller::open(qint64 pid, std::uint64_t st
     if (!uids || uids->real != me || uids->effective != me)
         return nullptr;
     return handle;
+}
+
+std::optional<std::uint64_t> PidfdSignaller::startTimeNow(qint64 pid) {
+    const auto stat = readSmallFile(procPath(root_, pid, "stat"));
+    const auto parsed = stat ? parseProcStat(*stat) : std::nullopt;
+    if (!parsed)
+        return std::nullopt;
+    return parsed->startTime;
 }
 
 } // namespace quelmo::linux_platform

@@ -59,6 +59,29 @@ TEST(ProcfsProcessReaderTest, NamesTheKernelAllowsAndBrokenEntries) {
     EXPECT_EQ(table.at(108).user, QString());              // unreadable Uid line
 }
 
+// Names completed from the command line: a slash inside a rewritten line's arguments is not a
+// path; a name of any length is cut to 255 bytes without splitting a character.
+TEST(ProcfsProcessReaderTest, NamesFromCommandLinesStopWhereTheNameDoes) {
+    using namespace std::string_view_literals;
+    EXPECT_EQ(processName("rewrittenproces", "rewrittenprocess: worker --flag=/a/b"),
+              QStringLiteral("rewrittenprocess:"));
+    EXPECT_EQ(processName("gnome-shell-cal", "/usr/libexec/gnome-shell-calendar-server --x=/a"sv),
+              QStringLiteral("gnome-shell-calendar-server"));
+    EXPECT_EQ(processName("WebKitWebProces", "/usr/lib/WebKitWebProcess\0--flag=/a/b\0"sv),
+              QStringLiteral("WebKitWebProcess"));
+    EXPECT_EQ(processName("somethingelse12", "other: --flag=/a/b"),
+              QStringLiteral("somethingelse12"));
+
+    // "\xc3\xa9" (e) straddles byte 255: the name ends before it.
+    const std::string longName = "abcdefghijklmno" + std::string(239, 'x') + "\xc3\xa9tail";
+    const QString cut = processName("abcdefghijklmno", longName);
+    EXPECT_EQ(cut.toUtf8().size(), 254);
+    EXPECT_TRUE(cut.endsWith('x'));
+    const std::string ascii = "abcdefghijklmno" + std::string(120 * 1024, 'y');
+    EXPECT_EQ(processName("abcdefghijklmno", ascii).size(), 255);
+    EXPECT_EQ(processName("", ""), QString());
+}
+
 TEST(ProcfsProcessReaderTest, RealTreesAndLifetimeAverages) {
     const auto vm = tableOf(machine("this-vm"));
     EXPECT_EQ(vm.at(1).name, QStringLiteral("process_api"));

@@ -187,8 +187,15 @@ TEST(EnergyReaderTest, HwmonCountersByLabel) {
     EXPECT_EQ(channelNames(reader), QStringList({"CPU Energy/uJ"})); // Esocket0, not Ecore000
     EXPECT_EQ(reader.readChannels()->front().value, 123456789012u);
 
+    // Without the socket's counter, counters of single cores never stand for the CPU, even
+    // where their labels name it.
+    tree.write("sys/class/hwmon/hwmon1/energy1_label", "CPU core 0\n");
+    tree.write("sys/class/hwmon/hwmon1/energy17_label", "Ecore017\n");
+    EXPECT_FALSE(EnergyReader(tree.root(), nullptr).available());
+
     EXPECT_EQ(hwmonEnergyChannel("Esocket1"), QStringLiteral("CPU Energy"));
     EXPECT_EQ(hwmonEnergyChannel("Ecore017"), QString());
+    EXPECT_EQ(hwmonEnergyChannel("cpu_core3"), QString());
     EXPECT_EQ(hwmonEnergyChannel("GPU energy"), QStringLiteral("GPU"));
     EXPECT_EQ(hwmonEnergyChannel("dram"), QStringLiteral("DRAM"));
     EXPECT_EQ(hwmonEnergyChannel(""), QString());

@@ -30,6 +30,7 @@ TEST(ProcessSignaller, OnlyTheListedProcessOfThisUserIsAskedToEnd) {
     test::ChildProcess sleeper({"sleep", "600"});
     const std::uint64_t start = startTimeOf(sleeper.pid());
     PidfdSignaller signaller(QStringLiteral("/"));
+    EXPECT_EQ(signaller.startTimeNow(sleeper.pid()), start);
     // The same pid with another start time is a reused pid.
     EXPECT_FALSE(signaller.open(sleeper.pid(), start + 1));
     EXPECT_FALSE(signaller.open(sleeper.pid(), start - 1));

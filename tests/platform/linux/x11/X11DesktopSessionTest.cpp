@@ -92,11 +92,17 @@ TEST_F(X11DesktopSessionTest, WhatCountsAsVisibleAndHowClosingAsks) {
                 s.regularPIDs.contains(elsewhere->pid()));
     EXPECT_FALSE(s.regularPIDs.contains(dock->pid()));
 
-    // Closing goes to that process's windows only, and a process without windows gets nothing.
+    // Closing goes to every window of that process and to no other, and a process without
+    // windows gets nothing.
+    const auto twoWindows = client({"--windows", "2"});
     ChildProcess windowless({"sleep", "600"});
     EXPECT_TRUE(session->requestClose(normal->pid()));
     EXPECT_EQ(normal->readLine(30s), std::optional<std::string>("closing"));
     EXPECT_TRUE(normal->waitForExit(30s));
+    EXPECT_TRUE(session->requestClose(twoWindows->pid()));
+    for (int window = 0; window < 2; ++window)
+        EXPECT_EQ(twoWindows->readLine(30s), std::optional<std::string>("closing")) << window;
+    EXPECT_TRUE(twoWindows->waitForExit(30s));
     EXPECT_FALSE(session->requestClose(windowless.pid()));
     EXPECT_TRUE(windowless.running() && minimised->running());
 }
@@ -171,6 +177,32 @@ TEST_F(X11DesktopSessionTest, OurOwnWindowTakingTheFocusLeavesTheApplicationInFr
     ASSERT_TRUE(spinUntil([&] { return session->snapshot().frontmostPID == bravo->pid(); }));
     ASSERT_TRUE(spinUntil([&] { return activations.contains(QStringLiteral("test.bravo")); }));
     EXPECT_FALSE(activations.contains(QStringLiteral("test.quelmo")));
+}
+
+// An application's id is remembered per process, and a later process that reuses the pid is a
+// new one. Read here from the systemd unit in a copied /proc.
+TEST_F(X11DesktopSessionTest, ARememberedApplicationIsForgottenWhenItsPidIsReused) {
+    const auto startAt = [this](const char* startTime, const char* unit) {
+        tree.write("proc/777/stat", QByteArray("777 (app) S 1 1 1 0 -1 4194560 120 0 3 0 0 0 0 "
+                                               "0 20 0 1 0 ") +
+                                        startTime + " 10485760 3\n");
+        tree.write("proc/777/cgroup", QByteArray("0::/user.slice/user-1000.slice/user@1000."
+                                                 "service/app.slice/") +
+                                          unit + "\n");
+    };
+    session = X11DesktopSession::connect({.root = tree.root(),
+                                          .dataDirs = {tree.path(QStringLiteral("data"))},
+                                          .display = server()->display().c_str(),
+                                          .language = [this] { return language; }});
+    ASSERT_TRUE(session);
+    const auto idOf777 = [this] { return session->application(777).value_or(AppRecord{}).appId; };
+
+    startAt("5000", "app-test.alpha-1.scope");
+    EXPECT_EQ(idOf777(), QStringLiteral("test.alpha"));
+    startAt("5000", "app-test.bravo-2.scope"); // the same process: its id is remembered
+    EXPECT_EQ(idOf777(), QStringLiteral("test.alpha"));
+    startAt("6000", "app-test.bravo-2.scope"); // a later process with the same pid
+    EXPECT_EQ(idOf777(), QStringLiteral("test.bravo"));
 }
 
 // A real GTK application from the distribution, on a private session bus: its id, its name in
