@@ -9,18 +9,15 @@ namespace quelmo {
 
 namespace {
 
-QByteArray jsonString(const QString& text) {
-    return jsonStringLiteral(text);
-}
-
 QByteArray renderSchema() {
     QByteArray text = "{\n  \"type\": \"object\",\n  \"properties\": {\n";
     QByteArray required;
     for (const GenVerdict::Property& p : GenVerdict::properties) {
-        const QByteArray name = jsonString(QString::fromLatin1(p.name));
-        text += "    " + name + ": {\n      \"type\": \"" + p.jsonType +
-                "\",\n      \"description\": " + jsonString(QString::fromUtf8(p.description)) +
-                "\n    }";
+        const QByteArray name = jsonStringLiteral(QString::fromLatin1(p.name));
+        text +=
+            "    " + name + ": {\n      \"type\": \"" + p.jsonType +
+            "\",\n      \"description\": " + jsonStringLiteral(QString::fromUtf8(p.description)) +
+            "\n    }";
         text += &p == &GenVerdict::properties[3] ? "\n" : ",\n";
         required += (required.isEmpty() ? "" : ", ") + name;
     }
@@ -84,12 +81,6 @@ std::optional<GenVerdict> GenVerdict::fromJson(const QByteArray& json) {
         return std::nullopt;
     verdict.recommendation = recommendation.toString();
     return verdict;
-}
-
-QByteArray GenVerdict::toJson() const {
-    return "{\"explanation\":" + jsonString(explanation) +
-           ",\"safeToQuit\":" + (safeToQuit ? "true" : "false") + ",\"risk\":" + jsonString(risk) +
-           ",\"recommendation\":" + jsonString(recommendation) + "}";
 }
 
 } // namespace quelmo

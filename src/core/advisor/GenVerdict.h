@@ -40,8 +40,6 @@ struct GenVerdict {
     // the wrong type fails the whole answer; there is never a partial value. Other keys are
     // ignored.
     static std::optional<GenVerdict> fromJson(const QByteArray& json);
-    // The four properties in order under their names, as compact JSON.
-    QByteArray toJson() const;
 
     bool operator==(const GenVerdict&) const = default;
 };

@@ -21,7 +21,7 @@ namespace {
 constexpr double bytesPerGiB = 1073741824.0;
 
 // A JSON number that is a whole number within the 64-bit range.
-std::optional<qint64> wholeNumber(const QJsonValue& value) {
+std::optional<qint64> jsonWholeNumber(const QJsonValue& value) {
     if (!value.isDouble())
         return std::nullopt;
     const double d = value.toDouble();
@@ -79,12 +79,13 @@ std::optional<BaselineEngine::Document> BaselineEngine::decode(const QByteArray&
         const QJsonObject fields = it->toObject();
         const QJsonValue mean = fields.value(QLatin1String("mean"));
         const QJsonValue meanSq = fields.value(QLatin1String("meanSq"));
-        const std::optional<qint64> samples = wholeNumber(fields.value(QLatin1String("samples")));
+        const std::optional<qint64> samples =
+            jsonWholeNumber(fields.value(QLatin1String("samples")));
         if (!mean.isDouble() || !meanSq.isDouble() || !samples)
             return std::nullopt;
         // Written by older versions without it: the entry counts as seen today.
         const QJsonValue seen = fields.value(QLatin1String("lastSeen"));
-        const std::optional<qint64> seenDay = seen.isUndefined() ? today : wholeNumber(seen);
+        const std::optional<qint64> seenDay = seen.isUndefined() ? today : jsonWholeNumber(seen);
         if (!seenDay)
             return std::nullopt;
         decoded.baselines.insert(it.key(), Stat{mean.toDouble(), meanSq.toDouble(), *samples});

@@ -80,7 +80,6 @@ public:
     const QHash<QString, Stat>& baselines() const { return store_.baselines; }
     std::optional<qint64> lastSeen(const QString& name) const;
     qint64 streak(qint64 pid) const { return streak_.value(pid, 0); }
-    qint64 saveTick() const { return saveTick_; }
 
     // The stored document format: a JSON object of name -> {"mean", "meanSq", "samples",
     // "lastSeen"}; "lastSeen" (a day number) may be missing, and then reads as `today`. Nothing

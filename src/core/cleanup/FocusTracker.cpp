@@ -3,6 +3,7 @@
 #include "core/cleanup/DesktopSession.h"
 #include "core/settings/SettingsKeys.h"
 
+#include <QDateTime>
 #include <QSettings>
 #include <QVariantMap>
 #include <algorithm>
@@ -28,9 +29,6 @@ bool isNumber(const QVariant& value) {
     }
 }
 
-// The latest instant QDateTime can hold, in milliseconds, with room to spare.
-constexpr double maxMilliseconds = 8.0e15;
-
 } // namespace
 
 FocusTracker::FocusTracker(DesktopSession* desktop) : history_(std::make_shared<History>()) {
@@ -52,14 +50,6 @@ FocusTracker::FocusTracker(DesktopSession* desktop) : history_(std::make_shared<
 
 FocusTracker::~FocusTracker() = default;
 
-std::optional<QDateTime> FocusTracker::lastActive(const QString& appId) const {
-    const std::optional<double> seconds = lastActiveSeconds(appId);
-    if (!seconds)
-        return std::nullopt;
-    const double ms = std::clamp(*seconds * 1000.0, -maxMilliseconds, maxMilliseconds);
-    return QDateTime::fromMSecsSinceEpoch(std::llround(ms), Qt::UTC);
-}
-
 std::optional<double> FocusTracker::lastActiveSeconds(const QString& appId) const {
     const auto it = history_->lastActive.constFind(appId);
     if (it == history_->lastActive.constEnd())
@@ -71,22 +61,28 @@ double FocusTracker::nowSeconds() {
     return static_cast<double>(QDateTime::currentMSecsSinceEpoch()) / 1000.0;
 }
 
-void FocusTracker::History::load() {
-    const QVariant stored = QSettings().value(QLatin1String(SettingsKeys::focusLastActive));
+std::optional<QHash<QString, double>> FocusTracker::decodeHistory(const QVariant& stored) {
     if (stored.metaType().id() != QMetaType::QVariantMap)
-        return;
+        return std::nullopt;
     const QVariantMap map = stored.toMap();
-    QHash<QString, double> loaded;
+    QHash<QString, double> decoded;
     for (auto it = map.constBegin(); it != map.constEnd(); ++it) {
         // One value that is not a usable instant discards the whole stored history.
         if (!isNumber(*it))
-            return;
+            return std::nullopt;
         const double seconds = it->toDouble();
         if (!std::isfinite(seconds))
-            return;
-        loaded.insert(it.key(), seconds);
+            return std::nullopt;
+        decoded.insert(it.key(), seconds);
     }
-    lastActive = std::move(loaded);
+    return decoded;
+}
+
+void FocusTracker::History::load() {
+    auto stored = decodeHistory(QSettings().value(QLatin1String(SettingsKeys::focusLastActive)));
+    if (!stored)
+        return;
+    lastActive = std::move(*stored);
     trim();
 }
 

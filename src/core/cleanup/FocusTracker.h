@@ -1,8 +1,8 @@
 #pragma once
 
-#include <QDateTime>
 #include <QHash>
 #include <QString>
+#include <QVariant>
 #include <memory>
 #include <optional>
 
@@ -26,10 +26,13 @@ public:
     FocusTracker(const FocusTracker&) = delete;
     FocusTracker& operator=(const FocusTracker&) = delete;
 
-    // When `appId` was last brought to the front; nothing when it never was since tracking began.
-    std::optional<QDateTime> lastActive(const QString& appId) const;
-    // The same instant as seconds since 1970-01-01 UTC, fraction included.
+    // When `appId` was last brought to the front, as seconds since 1970-01-01 UTC (fraction
+    // included); nothing when it never was since tracking began.
     std::optional<double> lastActiveSeconds(const QString& appId) const;
+
+    // The history as stored: a map from desktop-entry id to seconds. Nothing when the value is of
+    // another type or one of its entries is not a finite number.
+    static std::optional<QHash<QString, double>> decodeHistory(const QVariant& stored);
 
     // The wall clock as seconds since 1970-01-01 UTC, fraction included.
     static double nowSeconds();

@@ -23,7 +23,6 @@ public:
 
     explicit PowerMonitor(std::unique_ptr<EnergySource> source, Clock clock = monotonicSeconds);
     std::optional<Reading> sample();
-    bool available() const { return available_; }
 
     // Joules in one unit of a channel whose unit label is `label`.
     static double unitToJoules(const QString& label);

@@ -97,7 +97,7 @@ void SystemMetrics::update() {
         publish(totalWatts_,
                 ((power->cpuWatts + power->gpuWatts) + power->aneWatts) + power->dramWatts,
                 &SystemMetrics::totalWattsChanged);
-        publish(aneLoad_, std::clamp(power->aneWatts * 0.125, 0.0, 1.0),
+        publish(aneLoad_, std::clamp(power->aneWatts / aneMaxWatts, 0.0, 1.0),
                 &SystemMetrics::aneLoadChanged);
     }
 

@@ -74,14 +74,16 @@ struct Scene {
 };
 
 // Whatever they use, processes that are someone else's, this program, in front, part of the
-// system or being cut stay; so do applications used within R minutes, or T with a window.
+// system or being cut stay; so do applications used within R minutes, or T with a window, and
+// applications whose windows the desktop cannot show us.
 TEST(CandidateSelectionTest, NothingTheUserMayBeUsingIsOffered) {
     for (const auto& [s, recent, windowed] :
          std::vector<std::tuple<double, double, double>>{{0, 24, 60}, {0.5, 13, 32.5}, {1, 2, 5}}) {
         SCOPED_TRACE(testing::Message() << "s = " << s);
         Scene scene(s, {App{1, recent - 0.1}, App{2, recent + 0.1}, App{3, windowed - 0.1, true},
-                        App{4, windowed + 0.1, true}, App{5, -1}, App{6, -1, true}});
+                        App{4, windowed + 0.1, true}, App{5, -1}, App{6, -1, true}, App{16, -1}});
         scene.inputs.desktop.frontmostPID = 11;
+        scene.inputs.desktop.unseenAppPIDs = {16};
         scene.inputs.cuttingPIDs = {15};
         const double hog = 2 * GiB;
         EXPECT_EQ(scene.select({proc(1, "a", 0, hog), proc(2, "b", 0, hog), proc(3, "c", 0, hog),
@@ -89,7 +91,7 @@ TEST(CandidateSelectionTest, NothingTheUserMayBeUsingIsOffered) {
                                 proc(7, "g", 0, hog, "root"), proc(8, "h", 0, hog, "Alice"),
                                 proc(4242, "quelmo-dev", 0, hog), proc(11, "in-front", 0, hog),
                                 proc(12, "Xorg", 0, hog), proc(13, "Xorg helper", 0, hog),
-                                proc(15, "to-cut", 0, hog)}),
+                                proc(15, "to-cut", 0, hog), proc(16, "unseen", 0, hog)}),
                   QList<qint64>({2, 4, 5, 13}));
     }
 }
