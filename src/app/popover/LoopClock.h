@@ -8,8 +8,8 @@ namespace quelmo {
 
 // The clock of the popover's endless loops: the logo's breathing and the mascot's snipping,
 // breathing and drifting sleep marks. Qt Quick's own animations draw a frame on every refresh of
-// the screen; these loops are slow and small, so they step from one coarse timer at 20 frames a
-// second instead, all on the same tick, and the popover is drawn 20 times a second rather than
+// the screen; these loops are slow and small, so they step from one coarse timer at 15 frames a
+// second instead, all on the same tick, and the popover is drawn 15 times a second rather than
 // 60. The views read each loop's position from `elapsed` (see PopoverRules::loopPhase).
 class LoopClock : public QObject {
     Q_OBJECT
@@ -18,7 +18,7 @@ class LoopClock : public QObject {
     Q_PROPERTY(bool running READ running WRITE setRunning NOTIFY runningChanged)
 
 public:
-    static constexpr int stepMs = 50;
+    static constexpr int stepMs = 66;
 
     explicit LoopClock(QObject* parent = nullptr);
 
