@@ -47,7 +47,7 @@ Item {
     Item {
         id: figure
 
-        readonly property real wander: mind.lookDown ? 0 : mind.x
+        readonly property real wander: wanderGlide.value
 
         width: 64
         height: 64
@@ -68,12 +68,20 @@ Item {
             }
         ]
 
-        Behavior on x {
-            NumberAnimation {
-                duration: mind.motionMs
-                easing.type: mind.motionSpring ? Easing.OutBack : Easing.InOutQuad
-            }
+        // Wandering and the head's turns step with the loops' clock.
+        readonly property ClockGlide wanderGlide: ClockGlide {
+            loops: mascot.loops
+            target: mind.lookDown ? 0 : mind.x
+            duration: mind.motionMs
+            overshoot: mind.motionSpring
         }
+        readonly property ClockGlide lookGlide: ClockGlide {
+            loops: mascot.loops
+            target: mind.look
+            duration: mind.motionMs
+            overshoot: mind.motionSpring
+        }
+
         Behavior on restDrop {
             NumberAnimation { duration: mind.motionMs; easing.type: Easing.InOutQuad }
         }
@@ -119,15 +127,9 @@ Item {
             id: head
             width: 40
             height: 30
-            x: 12 + mind.look * 3
+            x: 12 + figure.lookGlide.value * 3
             y: 10 + (mind.lookDown ? 3 : 0)
 
-            Behavior on x {
-                NumberAnimation {
-                    duration: mind.motionMs
-                    easing.type: mind.motionSpring ? Easing.OutBack : Easing.InOutQuad
-                }
-            }
             Behavior on y {
                 NumberAnimation {
                     duration: mind.motionMs
@@ -186,7 +188,7 @@ Item {
             }
 
             Row {
-                x: 10 + mind.look * 1.5
+                x: 10 + figure.lookGlide.value * 1.5
                 y: 12 + (mind.lookDown ? 2 : 0)
                 spacing: 10
                 Repeater {
