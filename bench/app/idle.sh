@@ -47,8 +47,8 @@ if [ "${1:-}" = "--inside" ]; then
     # spent on it (the part that does not depend on how busy the machine is).
     awk '/first frame/ {
         for (i = 1; i < NF; i++) {
-          if ($i == "frame") ms[n] = $(i + 1)
-          if ($i == "CPU") cpu[n] = $(i + 1)
+          if ($i == "frame") ms[n + 0] = $(i + 1)
+          if ($i == "CPU") cpu[n + 0] = $(i + 1)
         }
         n++
       }

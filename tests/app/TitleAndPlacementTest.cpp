@@ -42,3 +42,30 @@ TEST(PopoverPlacementTest, HangsCentredUnderTheClickAndStaysInsideTheArea) {
         EXPECT_EQ(popoverGeometry(row.anchor, size, row.available), QRect(row.topLeft, size));
     }
 }
+
+TEST(PopoverPlacementTest, WindowReachesTowardsTheTallestTheContentMayGrow) {
+    const QRect belowTopPanel(0, 28, 1280, 772), aboveBottomPanel(0, 0, 1280, 772);
+
+    // Under a top panel: content at the window's top, the window as tall as allowed.
+    const PopoverFrame below = popoverFrame({600, 14}, 320, 420, 712, belowTopPanel);
+    EXPECT_EQ(below.window, QRect(440, 28, 320, 712));
+    EXPECT_FALSE(below.contentAtBottom);
+    EXPECT_EQ(below.contentArea(420), QRect(0, 0, 320, 420));
+    EXPECT_TRUE(below.fits(712));
+    EXPECT_FALSE(below.fits(713));
+
+    // Above a bottom panel: the content's bottom stays just above the click as it grows.
+    const PopoverFrame above = popoverFrame({1250, 786}, 320, 420, 712, aboveBottomPanel);
+    EXPECT_EQ(above.window, QRect(960, 56, 320, 712));
+    EXPECT_TRUE(above.contentAtBottom);
+    EXPECT_EQ(above.contentArea(420), QRect(0, 292, 320, 420));
+    EXPECT_EQ(above.window.top() + above.contentArea(500).top() + 500, 786 - 4 - 14);
+
+    // A click low on a screen without panels: the room below ends at the screen's edge.
+    const PopoverFrame low = popoverFrame({500, 300}, 320, 300, 940, QRect(0, 0, 1280, 1000));
+    EXPECT_EQ(low.window, QRect(340, 304, 320, 696));
+
+    // Content taller than the area: the window is the content's size, pinned to the top-left.
+    const PopoverFrame tooBig = popoverFrame({100, 100}, 320, 420, 380, QRect(10, 20, 300, 200));
+    EXPECT_EQ(tooBig.window, QRect(10, 20, 320, 420));
+}

@@ -114,6 +114,7 @@ void PopoverContext::setShown(bool shown) {
     emit metricsChanged();
     if (shown_)
         stillMetrics_.reset();
+    loops_.setRunning(shown_);
     emit shownChanged();
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/popover/LoopClock.h"
 #include "app/popover/ProcessListModel.h"
 
 #include <QObject>
@@ -31,6 +32,8 @@ class PopoverContext : public QObject {
     Q_PROPERTY(double maxHeight READ maxHeight WRITE setMaxHeight NOTIFY maxHeightChanged)
     // True while the popover is on screen: animations and the mascot's timers run only then.
     Q_PROPERTY(bool shown READ shown WRITE setShown NOTIFY shownChanged)
+    // The clock of the endless loops (logo, mascot): it runs only while the popover is shown.
+    Q_PROPERTY(quelmo::LoopClock* loops READ loops CONSTANT)
 
 public:
     struct Hooks {
@@ -65,6 +68,8 @@ public:
     bool shown() const { return shown_; }
     void setShown(bool shown);
 
+    LoopClock* loops() { return &loops_; }
+
     // Reads the stored settings and the launch-at-login state again (each time the popover is
     // about to show, so a change made elsewhere is seen).
     Q_INVOKABLE void reload();
@@ -86,6 +91,7 @@ private:
     Hooks hooks_;
     ProcessListModel topCPU_;
     ProcessListModel topMem_;
+    LoopClock loops_;
     QString langRaw_;
     QString catStyleRaw_;
     bool launchAtLogin_ = false;

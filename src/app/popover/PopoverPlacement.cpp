@@ -30,4 +30,23 @@ QRect popoverGeometry(QPoint anchor, QSize size, const QRect& available) {
     return {x, y, width, height};
 }
 
+QRect PopoverFrame::contentArea(int height) const {
+    const int shown = std::min(height, window.height());
+    return {0, contentAtBottom ? window.height() - shown : 0, window.width(), shown};
+}
+
+PopoverFrame popoverFrame(QPoint anchor, int width, int contentHeight, int maxHeight,
+                          const QRect& available) {
+    const QRect content = popoverGeometry(anchor, QSize(width, contentHeight), available);
+    const int tallest = std::max(maxHeight, contentHeight);
+    if (content.top() >= anchor.y() || content.top() == available.top()) {
+        const int height =
+            std::max(contentHeight, std::min(tallest, available.bottom() + 1 - content.top()));
+        return {QRect(content.left(), content.top(), width, height), false};
+    }
+    const int top =
+        std::min(content.top(), std::max(available.top(), content.bottom() + 1 - tallest));
+    return {QRect(content.left(), top, width, content.bottom() + 1 - top), true};
+}
+
 } // namespace quelmo

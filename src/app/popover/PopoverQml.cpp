@@ -21,6 +21,8 @@ void registerPopoverQml(QQmlEngine& engine) {
         qmlRegisterSingletonType(QUrl(QStringLiteral("qrc:/quelmo/qml/Palette.qml")), uri, 1, 0,
                                  "Palette");
         qmlRegisterType<MascotBehavior>(uri, 1, 0, "MascotBehavior");
+        qmlRegisterUncreatableType<LoopClock>(uri, 1, 0, "LoopClock",
+                                              QStringLiteral("made by the popover"));
         qmlRegisterUncreatableType<ProcessListModel>(uri, 1, 0, "ProcessListModel",
                                                      QStringLiteral("made by the popover"));
         qmlRegisterUncreatableType<PopoverContext>(uri, 1, 0, "PopoverContext",

@@ -79,6 +79,15 @@ std::array<double, 4> powerShares(double cpu, double gpu, double ane, double dra
     return {share(cpu), share(gpu), share(ane), share(dram)};
 }
 
+double loopPhase(double elapsedMs, double halfPeriodMs) {
+    if (!(halfPeriodMs > 0) || !std::isfinite(elapsedMs))
+        return 0;
+    const double t = std::fmod(std::abs(elapsedMs) / halfPeriodMs, 2.0);
+    const double x = t < 1 ? t : 2 - t;
+    // Ease in and out: a quadratic on each half.
+    return x < 0.5 ? 2 * x * x : 1 - 2 * (1 - x) * (1 - x);
+}
+
 QStringList sections() {
     return {QStringLiteral("cpu"), QStringLiteral("memory"), QStringLiteral("cleanup")};
 }

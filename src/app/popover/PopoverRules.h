@@ -58,6 +58,11 @@ double processFillWidth(double trackWidth, double value, double maxValue);
 // (or less) in total draws nothing rather than dividing by zero.
 std::array<double, 4> powerShares(double cpu, double gpu, double ane, double dram);
 
+// Where an endless loop that runs to 1 in `halfPeriodMs` and back stands after `elapsedMs`: 0 at
+// the start, 1 after one half period, eased in and out both ways (the logo's breathing, the
+// mascot's snipping). A half period of 0 or less stands still at 0.
+double loopPhase(double elapsedMs, double halfPeriodMs);
+
 // The collapsible sections, in order: "cpu", "memory", "cleanup".
 QStringList sections();
 

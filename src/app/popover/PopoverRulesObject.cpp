@@ -29,6 +29,10 @@ QString PopoverRulesObject::watts(double value, int decimals) {
     return PopoverRules::fixed(value, decimals) + QStringLiteral(" W");
 }
 
+double PopoverRulesObject::loopPhase(double elapsedMs, double halfPeriodMs) {
+    return PopoverRules::loopPhase(elapsedMs, halfPeriodMs);
+}
+
 double PopoverRulesObject::popoverHeight(double contentHeight, double maxHeight) {
     return PopoverRules::popoverHeight(contentHeight, maxHeight);
 }
@@ -155,6 +159,13 @@ QColor PopoverRulesObject::grayMarks() {
 QString PopoverRulesObject::symbol(const QString& name, const QColor& color,
                                    const QColor& gradientTo) {
     return SymbolImageProvider::url(name, color, gradientTo);
+}
+
+QString PopoverRulesObject::symbolAcross(const QString& name, const QVariantList& colours) {
+    QList<QColor> stops;
+    for (const QVariant& colour : colours)
+        stops.append(colour.value<QColor>());
+    return SymbolImageProvider::urlAcross(name, stops);
 }
 
 } // namespace quelmo

@@ -17,6 +17,7 @@ public:
     using QObject::QObject;
 
     Q_INVOKABLE static QString pct(double fraction);
+    Q_INVOKABLE static double loopPhase(double elapsedMs, double halfPeriodMs);
     Q_INVOKABLE static QString mem(double bytes);
     Q_INVOKABLE static QString memDetail(double usedBytes, double totalBytes);
     Q_INVOKABLE static QString fixed(double value, int decimals);
@@ -55,6 +56,8 @@ public:
 
     Q_INVOKABLE static QString symbol(const QString& name, const QColor& color,
                                       const QColor& gradientTo = QColor());
+    // A symbol shaded left to right through `colours` (the advisor's sparkle).
+    Q_INVOKABLE static QString symbolAcross(const QString& name, const QVariantList& colours);
 };
 
 } // namespace quelmo

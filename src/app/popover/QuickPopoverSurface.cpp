@@ -101,7 +101,7 @@ void QuickPopoverSurface::showAt(QPoint anchor) {
     context_->reload();
     context_->setShown(true);
     awaitingFirstFrame_ = true;
-    fitToContent();
+    placeFrame();
     // Keep the panel out of taskbars and pagers: it belongs to the tray item, not to the window
     // list. (Window managers drop the state of a hidden window, so it is set on every show.)
     x11::skipTaskbarAndPager(w);
@@ -123,18 +123,40 @@ void QuickPopoverSurface::focusMoved(bool toThisWindow) {
         closeBy(CloseReason::FocusLost);
 }
 
-void QuickPopoverSurface::fitToContent() {
+namespace {
+
+int viewHeight(const QQuickItem* view) {
+    return view ? static_cast<int>(std::ceil(view->implicitHeight()))
+                : static_cast<int>(PopoverRules::initialContentHeight);
+}
+
+} // namespace
+
+void QuickPopoverSurface::placeFrame() {
     QQuickView& w = *window_;
-    const QQuickItem* view = w.rootObject();
-    const int height = view ? static_cast<int>(std::ceil(view->implicitHeight()))
-                            : static_cast<int>(PopoverRules::initialContentHeight);
-    const QSize size(width, height);
-    w.setMinimumSize(size);
-    w.setMaximumSize(size);
-    if (const QScreen* screen = w.screen())
-        w.setGeometry(popoverGeometry(anchor_, size, screen->availableGeometry()));
-    else
-        w.resize(size);
+    QQuickItem* view = w.rootObject();
+    const int height = viewHeight(view);
+    const QScreen* screen = w.screen();
+    const QRect available =
+        screen ? screen->availableGeometry() : QRect(anchor_, QSize(width, height));
+    frame_ = popoverFrame(anchor_, width, height,
+                          static_cast<int>(std::ceil(context_->maxHeight())), available);
+    if (view)
+        view->setProperty("contentAtBottom", frame_.contentAtBottom);
+    w.setMinimumSize(frame_.window.size());
+    w.setMaximumSize(frame_.window.size());
+    w.setGeometry(frame_.window);
+    w.setMask(frame_.contentArea(height));
+}
+
+void QuickPopoverSurface::fitToContent() {
+    const int height = viewHeight(window_->rootObject());
+    if (!frame_.fits(height)) {
+        placeFrame();
+        return;
+    }
+    // Only the shape changes: no new buffer, and Qt Quick redraws just what changed.
+    window_->setMask(frame_.contentArea(height));
 }
 
 void QuickPopoverSurface::hide() {

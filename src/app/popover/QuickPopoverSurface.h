@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/popover/PopoverPlacement.h"
 #include "app/popover/PopoverSurface.h"
 
 #include <QQuickView>
@@ -17,9 +18,11 @@ class ActiveWindowWatch;
 }
 
 // The popover's window: a frameless, always-on-top Qt Quick window without a taskbar entry that
-// shows PopoverView. It is as tall as the view asks (its content, up to the screen's limit), hangs
-// under the click and stays inside the screen's free area as its height changes. It closes itself
-// when it loses the focus after having had it, or on Escape.
+// shows PopoverView. It hangs under the click and stays inside the screen's free area. It is made
+// as tall as the view may grow, once per open, and shows (and takes clicks on) only the part the
+// view's content covers: the content grows and shrinks, animated, without the window being
+// resized and drawn anew on every step. It closes itself when it loses the focus after having
+// had it, or on Escape.
 class QuickPopoverSurface : public PopoverSurface {
     Q_OBJECT
 
@@ -38,7 +41,10 @@ private:
     class Window;
     void closeBy(CloseReason reason);
     void focusMoved(bool toThisWindow);
-    // Sizes the window to the view's height and places it under the anchor again.
+    // Places the window for the view's height under the anchor, as tall as the view may grow.
+    void placeFrame();
+    // Shows the part of the window the view's content covers; places the window again when the
+    // content no longer fits it.
     void fitToContent();
 
     std::unique_ptr<Window> window_;
@@ -49,6 +55,7 @@ private:
     bool hadFocus_ = false;
     bool awaitingFirstFrame_ = false;
     QPoint anchor_;
+    PopoverFrame frame_;
 };
 
 } // namespace quelmo

@@ -51,6 +51,14 @@ QString SymbolImageProvider::url(const QString& name, const QColor& color, const
     return source + QStringLiteral("?color=") + hex(color);
 }
 
+QString SymbolImageProvider::urlAcross(const QString& name, const QList<QColor>& stops) {
+    QStringList colours;
+    for (const QColor& stop : stops)
+        colours.append(hex(stop));
+    return QStringLiteral("image://symbol/") + name + QStringLiteral("?across=") +
+           colours.join(QLatin1Char(','));
+}
+
 QImage SymbolImageProvider::requestImage(const QString& id, QSize* size,
                                          const QSize& requestedSize) {
     const QString name = id.section(QLatin1Char('?'), 0, 0);
@@ -70,7 +78,15 @@ QImage SymbolImageProvider::requestImage(const QString& id, QSize* size,
     painter.setRenderHint(QPainter::Antialiasing);
     renderer.render(&painter, QRectF(QPointF(0, 0), target));
     painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
-    if (query.hasQueryItem(QStringLiteral("from"))) {
+    if (query.hasQueryItem(QStringLiteral("across"))) {
+        const QStringList stops =
+            query.queryItemValue(QStringLiteral("across")).split(QLatin1Char(','));
+        QLinearGradient gradient(0, 0, target.width(), 0);
+        for (qsizetype i = 0; i < stops.size(); ++i)
+            gradient.setColorAt(stops.size() > 1 ? double(i) / double(stops.size() - 1) : 0,
+                                fromHex(stops[i]));
+        painter.fillRect(image.rect(), gradient);
+    } else if (query.hasQueryItem(QStringLiteral("from"))) {
         QLinearGradient gradient(0, 0, target.width(), target.height());
         gradient.setColorAt(0, fromHex(query.queryItemValue(QStringLiteral("from"))));
         gradient.setColorAt(1, fromHex(query.queryItemValue(QStringLiteral("to"))));

@@ -10,6 +10,7 @@ namespace quelmo {
 //
 //   image://symbol/<name>?color=RRGGBB[AA]                    one colour
 //   image://symbol/<name>?from=RRGGBB[AA]&to=RRGGBB[AA]       top-left to bottom-right gradient
+//   image://symbol/<name>?across=RRGGBB[AA],RRGGBB[AA],...    left to right, stops evenly spaced
 //
 // <name> is a symbol name from icons/phosphor/symbols.json ("scissors", "cpu", ...). An unknown
 // name draws nothing (a transparent image of the requested size).
@@ -21,6 +22,8 @@ public:
 
     // The QML source for a symbol: `to` is only used when it is not fully transparent.
     static QString url(const QString& name, const QColor& color, const QColor& to = {});
+    // The QML source for a symbol shaded left to right through `stops` (at least one).
+    static QString urlAcross(const QString& name, const QList<QColor>& stops);
 
     static constexpr int defaultSize = 32;
 

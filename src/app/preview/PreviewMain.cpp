@@ -59,6 +59,10 @@ int main(int argc, char* argv[]) {
     }
     if (show) {
         preview.context().setShown(true);
+        // As tall as the popover may grow, like the program's window, so that the content
+        // changes its height inside it without resizing it.
+        preview.window().setResizeMode(QQuickView::SizeRootObjectToView);
+        preview.window().resize(320, static_cast<int>(preview.context().maxHeight()));
         preview.window().show();
         return QGuiApplication::exec();
     }

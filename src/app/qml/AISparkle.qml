@@ -1,10 +1,10 @@
 import Quelmo 1.0
 import QtQuick
 
-// The advisor's sparkle: the "sparkles" symbol shaded from pink to lavender.
+// The advisor's sparkle: the "sparkles" symbol shaded left to right through pink, peach and
+// lavender.
 Symbol {
     name: "sparkles"
     size: 11
-    color: Palette.pink
-    gradientTo: Palette.lav
+    gradientAcross: [Palette.pink, Palette.peach, Palette.lav]
 }

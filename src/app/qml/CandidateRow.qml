@@ -56,7 +56,6 @@ Item {
         id: content
         y: 3
         width: parent.width
-        spacing: detail.shown ? 5 : 0
 
         Item {
             width: parent.width
@@ -125,16 +124,18 @@ Item {
             readonly property bool shown: row.hovered
 
             width: parent.width
-            // The height changes in one step: the popover's window follows its content's height,
-            // and resizing it on every frame of an animation would repaint it all each time.
-            height: shown ? block.implicitHeight : 0
+            // The 5 points between the top line and the block come with it. The height changes
+            // in one step while the block fades and drops in: animating it would move (and
+            // redraw) everything below the row on every frame, and hovering from row to row
+            // would cost several times what the whole card costs otherwise.
+            height: shown ? block.implicitHeight + 5 : 0
             clip: true
             visible: height > 0
 
             Column {
                 id: block
                 x: 14
-                y: detail.shown ? 0 : -6
+                y: detail.shown ? 5 : -1
                 width: parent.width - 14
                 spacing: 3
                 opacity: detail.shown ? 1 : 0

@@ -22,10 +22,15 @@ Item {
     readonly property alias behavior: mind
     readonly property bool eyesClosed: mind.blink || !mind.awake
 
-    // The three endless loops, 0 to 1 and back: scissors, breathing, sleep marks.
-    property real snipPhase: 0
-    property real breathePhase: 0
-    property real zzzPhase: 0
+    // The clock of the three endless loops; without one the figure stands still.
+    property LoopClock loops: null
+    // The loops, 0 to 1 and back: scissors (0.3 s each way), breathing (1.8 s), sleep marks
+    // (1.6 s, only while asleep).
+    readonly property bool looping: loops !== null && mind.active
+    readonly property real snipPhase: looping ? Rules.loopPhase(loops.elapsed, 300) : 0
+    readonly property real breathePhase: looping ? Rules.loopPhase(loops.elapsed, 1800) : 0
+    readonly property real zzzPhase: looping && !mind.awake ? Rules.loopPhase(loops.elapsed, 1600)
+                                                            : 0
 
     objectName: "catMascot"
     implicitWidth: 200
@@ -39,34 +44,17 @@ Item {
         trigger: mascot.trigger
     }
 
-    SequentialAnimation on snipPhase {
-        running: mind.active
-        loops: Animation.Infinite
-        NumberAnimation { to: 1; duration: 300; easing.type: Easing.InOutQuad }
-        NumberAnimation { to: 0; duration: 300; easing.type: Easing.InOutQuad }
-    }
-    SequentialAnimation on breathePhase {
-        running: mind.active
-        loops: Animation.Infinite
-        NumberAnimation { to: 1; duration: 1800; easing.type: Easing.InOutQuad }
-        NumberAnimation { to: 0; duration: 1800; easing.type: Easing.InOutQuad }
-    }
-    SequentialAnimation on zzzPhase {
-        running: mind.active && !mind.awake
-        loops: Animation.Infinite
-        NumberAnimation { to: 1; duration: 1600; easing.type: Easing.InOutQuad }
-        NumberAnimation { to: 0; duration: 1600; easing.type: Easing.InOutQuad }
-    }
-
     Item {
         id: figure
 
-        readonly property real wander: mind.lookDown ? 0 : mind.x
+        readonly property real wander: wanderGlide.value
 
         width: 64
         height: 64
         x: (mascot.width - width) / 2 + wander
-        y: mascot.travelY + (mind.resting ? 2 : 0)
+        // Lowered by 2 while resting (animated); the cut's travel follows its own springs.
+        property real restDrop: mind.resting ? 2 : 0
+        y: mascot.travelY + restDrop
         transform: [
             Scale {
                 origin.x: 32
@@ -80,13 +68,21 @@ Item {
             }
         ]
 
-        Behavior on x {
-            NumberAnimation {
-                duration: mind.motionMs
-                easing.type: mind.motionSpring ? Easing.OutBack : Easing.InOutQuad
-            }
+        // Wandering and the head's turns step with the loops' clock.
+        readonly property ClockGlide wanderGlide: ClockGlide {
+            loops: mascot.loops
+            target: mind.lookDown ? 0 : mind.x
+            duration: mind.motionMs
+            overshoot: mind.motionSpring
         }
-        Behavior on y {
+        readonly property ClockGlide lookGlide: ClockGlide {
+            loops: mascot.loops
+            target: mind.look
+            duration: mind.motionMs
+            overshoot: mind.motionSpring
+        }
+
+        Behavior on restDrop {
             NumberAnimation { duration: mind.motionMs; easing.type: Easing.InOutQuad }
         }
 
@@ -102,21 +98,27 @@ Item {
             border.width: 1
         }
 
-        // Scissors in the paws; they open and close with the loop and shut on a cut.
-        Symbol {
-            name: "scissors"
-            size: 27
+        // Scissors in the paws; they open and close with the loop and shut on a cut. The cut's
+        // turn is animated apart from the loop's steps, which the clock already paces.
+        Item {
             x: 34
             y: 28
-            rotation: mind.bladeClose ? 96 : 74 + 6 * mascot.snipPhase
-            color: Palette.pink
-            gradientTo: Palette.blue
+            width: 27
+            height: 27
+            rotation: mind.bladeClose ? 22 : 0
             Behavior on rotation {
                 enabled: mind.active
                 NumberAnimation {
                     duration: mind.bladeClose ? 80 : 140
                     easing.type: mind.bladeClose ? Easing.InQuad : Easing.OutQuad
                 }
+            }
+            Symbol {
+                name: "scissors"
+                size: 27
+                rotation: 74 + (mind.bladeClose ? 0 : 6 * mascot.snipPhase)
+                color: Palette.pink
+                gradientTo: Palette.blue
             }
         }
 
@@ -125,15 +127,9 @@ Item {
             id: head
             width: 40
             height: 30
-            x: 12 + mind.look * 3
+            x: 12 + figure.lookGlide.value * 3
             y: 10 + (mind.lookDown ? 3 : 0)
 
-            Behavior on x {
-                NumberAnimation {
-                    duration: mind.motionMs
-                    easing.type: mind.motionSpring ? Easing.OutBack : Easing.InOutQuad
-                }
-            }
             Behavior on y {
                 NumberAnimation {
                     duration: mind.motionMs
@@ -192,7 +188,7 @@ Item {
             }
 
             Row {
-                x: 10 + mind.look * 1.5
+                x: 10 + figure.lookGlide.value * 1.5
                 y: 12 + (mind.lookDown ? 2 : 0)
                 spacing: 10
                 Repeater {

@@ -173,15 +173,28 @@ LiquidCard {
         }
     }
 
-    AIBanner {
-        visible: card.expanded
-        feed: card.feed
-        showCriteria: card.popover.showCriteria
-        onClicked: card.popover.showCriteria = !card.popover.showCriteria
-    }
-    CriteriaPanel {
-        visible: card.expanded && card.popover.showCriteria
-        feed: card.feed
+    // The advisor's banner and, below it, the criteria it opens.
+    Reveal {
+        open: card.expanded
+        gap: card.spacing
+        AIBanner {
+            feed: card.feed
+            showCriteria: card.popover.showCriteria
+            onClicked: card.popover.showCriteria = !card.popover.showCriteria
+        }
+        Reveal {
+            open: card.popover.showCriteria
+            duration: 200
+            gap: 8
+            // The gap between the banner and the panel, inside the part that opens.
+            Item {
+                width: 1
+                height: 8
+            }
+            CriteriaPanel {
+                feed: card.feed
+            }
+        }
     }
 
     // The mascot's lane and the dashed cut line; drawn above the rows it walks down to.
@@ -198,6 +211,7 @@ LiquidCard {
             hasTargets: card.candidates.cutTargetCount > 0
             travelY: card.catTravelY
             styleRaw: card.popover.context.catStyleRaw
+            loops: card.popover.context.loops
         }
         DashLine {
             x: 2
@@ -211,58 +225,63 @@ LiquidCard {
         }
     }
 
-    UiText {
-        objectName: "nothingToClean"
-        visible: card.expanded && card.candidates.count === 0
-        width: parent.width
-        text: card.texts.nothingToClean
-        secondary: true
-        font.pixelSize: 10
-        wrapMode: Text.Wrap
-    }
+    // The rows, or the text saying there are none.
+    Reveal {
+        open: card.expanded
+        gap: card.spacing
+        UiText {
+            objectName: "nothingToClean"
+            visible: card.candidates.count === 0
+            width: parent.width
+            text: card.texts.nothingToClean
+            secondary: true
+            font.pixelSize: 10
+            wrapMode: Text.Wrap
+        }
 
-    ListView {
-        id: rows
+        ListView {
+            id: rows
 
-        objectName: "candidateRows"
-        visible: card.expanded && count > 0
-        width: parent.width
-        height: visible ? contentHeight : 0
-        interactive: false
-        model: card.candidates
-        Accessible.role: Accessible.List
-        Accessible.name: card.texts.cutPick
+            objectName: "candidateRows"
+            visible: count > 0
+            width: parent.width
+            height: visible ? contentHeight : 0
+            interactive: false
+            model: card.candidates
+            Accessible.role: Accessible.List
+            Accessible.name: card.texts.cutPick
 
-        delegate: CandidateRow {
-            hovered: card.popover.hoveredID === pid
-            advisorAvailable: card.feed.advisorAvailable
-            texts: card.texts
-            onHoverChanged: inside => {
-                if (inside)
-                    card.popover.hoveredID = pid
-                else if (card.popover.hoveredID === pid)
-                    card.popover.hoveredID = -1
+            delegate: CandidateRow {
+                hovered: card.popover.hoveredID === pid
+                advisorAvailable: card.feed.advisorAvailable
+                texts: card.texts
+                onHoverChanged: inside => {
+                    if (inside)
+                        card.popover.hoveredID = pid
+                    else if (card.popover.hoveredID === pid)
+                        card.popover.hoveredID = -1
+                }
+                onCutPressed: card.cutRow(pid)
             }
-            onCutPressed: card.cutRow(pid)
-        }
-        add: Transition {
-            NumberAnimation { property: "opacity"; from: 0; to: 1; duration: 250; easing.type: Easing.InOutQuad }
-        }
-        remove: Transition {
-            SpringAnimation {
-                property: "leaving"
-                to: 1
-                spring: card.feed.cut.listSpring || 2.5
-                damping: card.feed.cut.listDamping || 0.34
-                epsilon: 0.02
+            add: Transition {
+                NumberAnimation { property: "opacity"; from: 0; to: 1; duration: 250; easing.type: Easing.InOutQuad }
             }
-        }
-        displaced: Transition {
-            SpringAnimation {
-                property: "y"
-                spring: card.feed.cut.listSpring || 2.5
-                damping: card.feed.cut.listDamping || 0.34
-                epsilon: 0.5
+            remove: Transition {
+                SpringAnimation {
+                    property: "leaving"
+                    to: 1
+                    spring: card.feed.cut.listSpring || 2.5
+                    damping: card.feed.cut.listDamping || 0.34
+                    epsilon: 0.02
+                }
+            }
+            displaced: Transition {
+                SpringAnimation {
+                    property: "y"
+                    spring: card.feed.cut.listSpring || 2.5
+                    damping: card.feed.cut.listDamping || 0.34
+                    epsilon: 0.5
+                }
             }
         }
     }

@@ -8,8 +8,8 @@ Item {
     property string chipName
     property real totalWatts
     property string styleRaw: "white"
-    // The logo breathes only while the popover is on screen.
-    property bool animate: true
+    // The clock of the logo's breathing (it stands still without one, and while it is stopped).
+    property LoopClock loops: null
 
     objectName: "header"
     width: parent ? parent.width : 0
@@ -23,14 +23,8 @@ Item {
         styleRaw: header.styleRaw
         pink: Qt.rgba(0.96, 0.62, 0.66, 1)
         blue: Qt.rgba(0.52, 0.62, 0.86, 1)
-        scale: 0.98
-
-        SequentialAnimation on scale {
-            running: header.animate
-            loops: Animation.Infinite
-            NumberAnimation { to: 1.04; duration: 700; easing.type: Easing.InOutQuad }
-            NumberAnimation { to: 0.98; duration: 700; easing.type: Easing.InOutQuad }
-        }
+        // Breathes between 0.98 and 1.04, 0.7 s each way.
+        scale: 0.98 + 0.06 * (header.loops ? Rules.loopPhase(header.loops.elapsed, 700) : 0)
     }
 
     Column {

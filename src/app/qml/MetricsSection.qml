@@ -32,19 +32,25 @@ LiquidCard {
         lang: section.lang
         onToggle: section.toggle("cpu")
     }
-    ProcessList {
-        objectName: "topCPUList"
-        visible: section.cpuExpanded
-        procs: section.context.topCPU
-        color: Palette.blue
-        kind: "cpu"
-        lang: section.lang
+    Reveal {
+        open: section.cpuExpanded
+        gap: section.spacing
+        ProcessList {
+            objectName: "topCPUList"
+            procs: section.context.topCPU
+            color: Palette.blue
+            kind: "cpu"
+            lang: section.lang
+        }
     }
-    CoreStrip {
-        objectName: "coreStrip"
-        visible: !section.cpuExpanded && section.metrics.cpuPerCore.length > 0
-        cores: section.metrics.cpuPerCore
-        color: Palette.blue
+    Reveal {
+        open: !section.cpuExpanded && section.metrics.cpuPerCore.length > 0
+        gap: section.spacing
+        CoreStrip {
+            objectName: "coreStrip"
+            cores: section.metrics.cpuPerCore
+            color: Palette.blue
+        }
     }
     MetricBar {
         objectName: "gpuBar"
@@ -77,12 +83,15 @@ LiquidCard {
         lang: section.lang
         onToggle: section.toggle("memory")
     }
-    ProcessList {
-        objectName: "topMemList"
-        visible: section.memoryExpanded
-        procs: section.context.topMem
-        color: Palette.sage
-        kind: "memory"
-        lang: section.lang
+    Reveal {
+        open: section.memoryExpanded
+        gap: section.spacing
+        ProcessList {
+            objectName: "topMemList"
+            procs: section.context.topMem
+            color: Palette.sage
+            kind: "memory"
+            lang: section.lang
+        }
     }
 }

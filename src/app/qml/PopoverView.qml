@@ -24,6 +24,9 @@ Item {
 
     readonly property real contentHeight: stack.implicitHeight + 2 * stack.y
     readonly property real maxHeight: context.maxHeight
+    // The window may be taller than the popover (it is made as tall as the popover may grow);
+    // the popover then sits at its top, or at its bottom when it opened above the click.
+    property bool contentAtBottom: false
 
     function toggle(section) {
         expanded = Rules.toggled(expanded, section)
@@ -34,79 +37,78 @@ Item {
     implicitHeight: Rules.popoverHeight(contentHeight, maxHeight)
     focus: true
 
-    Rectangle {
-        anchors.fill: parent
-        color: Palette.base
-    }
-    Rectangle {
-        anchors.fill: parent
-        color: Palette.bg
-        opacity: 0.2
-    }
-    Rectangle {
-        anchors.fill: parent
-        color: "transparent"
-        border.width: 1
-        border.color: Palette.faded(Palette.ink, 0.16)
-    }
+    Item {
+        id: panel
+        width: parent.width
+        height: view.implicitHeight
+        y: view.contentAtBottom ? view.height - height : 0
 
-    Flickable {
-        id: scroller
-        anchors.fill: parent
-        contentWidth: width
-        contentHeight: view.contentHeight
-        boundsBehavior: Flickable.StopAtBounds
-        clip: true
-        ScrollBar.vertical: ScrollBar {
-            policy: scroller.contentHeight > scroller.height ? ScrollBar.AlwaysOn
-                                                             : ScrollBar.AlwaysOff
+        // Palette.bg at 0.2 over the light base, in one opaque fill (one blend less per frame).
+        Rectangle {
+            anchors.fill: parent
+            color: Qt.tint(Palette.base, Palette.faded(Palette.bg, 0.2))
+            border.width: 1
+            border.color: Palette.faded(Palette.ink, 0.16)
         }
 
-        Column {
-            id: stack
-            objectName: "stack"
-            x: 16
-            y: 16
-            width: 320 - 32
-            spacing: 12
-
-            Header {
-                chipName: view.metrics.chipName
-                totalWatts: view.metrics.totalWatts
-                styleRaw: view.context.catStyleRaw
-                animate: view.context.shown
+        Flickable {
+            id: scroller
+            anchors.fill: parent
+            contentWidth: width
+            contentHeight: view.contentHeight
+            boundsBehavior: Flickable.StopAtBounds
+            clip: true
+            ScrollBar.vertical: ScrollBar {
+                policy: scroller.contentHeight > scroller.height ? ScrollBar.AlwaysOn
+                                                                 : ScrollBar.AlwaysOff
             }
 
-            // The cleanup card goes here, between the header and the metrics.
-            Loader {
-                id: cleanupCardSlot
-                objectName: "cleanupCardSlot"
-                width: parent.width
-                visible: item !== null
-                sourceComponent: view.cleanup ? cleanupCard : null
-            }
-            Component {
-                id: cleanupCard
-                CleanupCard {
-                    popover: view
-                    feed: view.cleanup
+            Column {
+                id: stack
+                objectName: "stack"
+                x: 16
+                y: 16
+                width: 320 - 32
+                spacing: 12
+
+                Header {
+                    chipName: view.metrics.chipName
+                    totalWatts: view.metrics.totalWatts
+                    styleRaw: view.context.catStyleRaw
+                    loops: view.context.loops
                 }
-            }
 
-            MetricsSection {
-                metrics: view.metrics
-                context: view.context
-                expanded: view.expanded
-                lang: view.lang
-                onToggle: section => view.toggle(section)
-            }
+                // The cleanup card goes here, between the header and the metrics.
+                Loader {
+                    id: cleanupCardSlot
+                    objectName: "cleanupCardSlot"
+                    width: parent.width
+                    visible: item !== null
+                    sourceComponent: view.cleanup ? cleanupCard : null
+                }
+                Component {
+                    id: cleanupCard
+                    CleanupCard {
+                        popover: view
+                        feed: view.cleanup
+                    }
+                }
 
-            PowerCard {
-                metrics: view.metrics
-            }
+                MetricsSection {
+                    metrics: view.metrics
+                    context: view.context
+                    expanded: view.expanded
+                    lang: view.lang
+                    onToggle: section => view.toggle(section)
+                }
 
-            Footer {
-                context: view.context
+                PowerCard {
+                    metrics: view.metrics
+                }
+
+                Footer {
+                    context: view.context
+                }
             }
         }
     }

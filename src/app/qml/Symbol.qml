@@ -6,6 +6,8 @@ Image {
     property string name
     property color color: Palette.ink
     property color gradientTo: "transparent"
+    // Colours to shade left to right through instead (two or more).
+    property var gradientAcross: []
     property real size: 12
     // Pixels drawn per point: more for a symbol shown scaled up or on a dense screen.
     property real renderScale: 2
@@ -14,7 +16,8 @@ Image {
     height: size
     sourceSize.width: Math.ceil(size * renderScale)
     sourceSize.height: Math.ceil(size * renderScale)
-    source: Rules.symbol(name, color, gradientTo)
+    source: gradientAcross.length > 0 ? Rules.symbolAcross(name, gradientAcross)
+                                      : Rules.symbol(name, color, gradientTo)
     fillMode: Image.PreserveAspectFit
     smooth: true
     Accessible.ignored: true

@@ -91,5 +91,29 @@ TEST_F(PopoverContextTest, HiddenViewsSeeAStillCopyOfTheReadings) {
     EXPECT_EQ(switched.count(), 1);
 }
 
+TEST_F(PopoverContextTest, EndlessLoopsRunOnlyWhileShownAndResumeWhereTheyStopped) {
+    PopoverContext context(nullptr, hooks());
+    LoopClock& loops = *context.loops();
+    EXPECT_FALSE(loops.running());
+
+    context.setShown(true);
+    EXPECT_TRUE(loops.running());
+    QSignalSpy stepped(&loops, &LoopClock::elapsedChanged);
+    ASSERT_TRUE(stepped.wait(1000));
+    const int reached = loops.elapsed();
+    EXPECT_GT(reached, 0);
+
+    context.setShown(false);
+    EXPECT_FALSE(loops.running());
+    stepped.clear();
+    EXPECT_FALSE(stepped.wait(3 * LoopClock::stepMs));
+    EXPECT_EQ(loops.elapsed(), reached);
+
+    // Open again: the loops go on from where they were, without a jump back to the start.
+    context.setShown(true);
+    ASSERT_TRUE(stepped.wait(1000));
+    EXPECT_GE(loops.elapsed(), reached);
+}
+
 } // namespace
 } // namespace quelmo

@@ -1,7 +1,9 @@
 #include "app/preview/PopoverPreview.h"
 
 #include <QAccessible>
+#include <QFile>
 #include <QJsonArray>
+#include <QJsonDocument>
 #include <QQuickItem>
 #include <QQuickView>
 #include <gtest/gtest.h>
@@ -149,6 +151,108 @@ TEST(PopoverRender, TheLogoWearsTheChosenFur) {
     PopoverPreview white(PreviewState::fromJson(exampleState("en", "white")));
     ASSERT_TRUE(white.root());
     EXPECT_EQ(logoPixelsOf(white, blackFur), 0);
+}
+
+// The cleanup card's example states, as the preview program draws them.
+QJsonObject cleanupState(const char* name) {
+    QFile file(QStringLiteral(QUELMO_PREVIEW_STATES "/%1.json").arg(QLatin1String(name)));
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name;
+    return QJsonDocument::fromJson(file.readAll()).object();
+}
+
+bool shows(QQuickItem* root, const char* name) {
+    QQuickItem* item = named(root, name);
+    return item && item->isVisible() && item->opacity() > 0;
+}
+
+// Pixels within `item` close to `colour` (blended colours count when within `tolerance`).
+int pixelsNear(const QImage& image, QQuickItem* root, QQuickItem* item, QColor colour,
+               int tolerance) {
+    const QRectF area = item->mapRectToItem(root, item->boundingRect());
+    const qreal ratio = image.devicePixelRatio();
+    int count = 0;
+    for (int y = int(area.top() * ratio); y < int(area.bottom() * ratio); ++y)
+        for (int x = int(area.left() * ratio); x < int(area.right() * ratio); ++x) {
+            const QColor pixel = image.pixelColor(x, y);
+            if (std::abs(pixel.red() - colour.red()) <= tolerance &&
+                std::abs(pixel.green() - colour.green()) <= tolerance &&
+                std::abs(pixel.blue() - colour.blue()) <= tolerance)
+                ++count;
+        }
+    return count;
+}
+
+TEST(CleanupCardRender, EmptyCardSaysSoWithoutCountOrCutAll) {
+    PopoverPreview preview(PreviewState::fromJson(cleanupState("cleanup-empty")));
+    ASSERT_TRUE(preview.root()) << preview.errors().toStdString();
+    preview.render();
+    QQuickItem* root = preview.root();
+    const QStringList texts = visibleTexts(root);
+    EXPECT_TRUE(texts.contains(QStringLiteral(
+        "Nothing to clean up. No app is hogging resources or left running unused.")));
+    EXPECT_TRUE(texts.contains(QStringLiteral("AI notes off")));
+    EXPECT_TRUE(
+        texts.contains(QStringLiteral("AI notes off — No local model runtime is installed")));
+    EXPECT_FALSE(shows(root, "countBadge"));
+    EXPECT_FALSE(shows(root, "cutAllButton"));
+    EXPECT_FALSE(shows(root, "candidateRows"));
+}
+
+TEST(CleanupCardRender, MixedVerdictsHoverAndCriteria) {
+    PopoverPreview mixed(PreviewState::fromJson(cleanupState("cleanup-mixed")));
+    ASSERT_TRUE(mixed.root()) << mixed.errors().toStdString();
+    const QImage image = mixed.render();
+    QQuickItem* root = mixed.root();
+    QStringList texts = visibleTexts(root);
+    for (const char* expected : {"Firefox ESR", "Spotify", "node", "Keep", "3", "Cut all", "1.8GB",
+                                 "Judged by Apple Intelligence", "Apple Intelligence · on-device"})
+        EXPECT_TRUE(texts.contains(QString::fromUtf8(expected))) << expected;
+    // No row under the pointer: no detail block, no criteria.
+    EXPECT_FALSE(texts.contains(QStringLiteral("Last used 2h 5m ago · no window")));
+    EXPECT_FALSE(shows(root, "criteriaPanel"));
+    // The sparkle runs from pink through peach to lavender: some of it is peach.
+    QQuickItem* header = named(root, "cleanupHeader");
+    const QColor peach = QColor::fromRgbF(0.93f, 0.78f, 0.60f);
+    EXPECT_GT(pixelsNear(image, root, header, peach, 12), 0);
+
+    PopoverPreview hovered(PreviewState::fromJson(cleanupState("cleanup-hovered")));
+    ASSERT_TRUE(hovered.root());
+    hovered.render();
+    texts = visibleTexts(hovered.root());
+    for (const char* expected :
+         {"Unused app", "Last used 2h 5m ago · no window", "Caution",
+          "A web browser left open in the background; no pages are being watched."})
+        EXPECT_TRUE(texts.contains(QString::fromUtf8(expected))) << expected;
+    // Only the hovered row opens: Spotify's explanation stays hidden.
+    EXPECT_FALSE(
+        texts.contains(QStringLiteral("Music player; it may be playing music right now.")));
+
+    PopoverPreview criteria(PreviewState::fromJson(cleanupState("cleanup-criteria")));
+    ASSERT_TRUE(criteria.root());
+    criteria.render();
+    EXPECT_TRUE(shows(criteria.root(), "criteriaPanel"));
+    texts = visibleTexts(criteria.root());
+    for (const char* expected :
+         {"How it picks only the unused", "Never touches what you're using", "Idle for a while",
+          "No visible window", "Or resource spikes", "Rests when idle", "AI says 'cut'",
+          "AI says 'keep'", "On-device judgment", "You always confirm"})
+        EXPECT_TRUE(texts.contains(QString::fromUtf8(expected))) << expected;
+    // The panel opens between the banner and the mascot.
+    EXPECT_LT(topOf(criteria.root(), "aiBanner"), topOf(criteria.root(), "criteriaPanel"));
+    EXPECT_LT(topOf(criteria.root(), "criteriaPanel"), topOf(criteria.root(), "catMascot"));
+}
+
+TEST(CleanupCardRender, KoreanCard) {
+    PopoverPreview preview(PreviewState::fromJson(cleanupState("cleanup-korean")));
+    ASSERT_TRUE(preview.root()) << preview.errors().toStdString();
+    preview.render();
+    const QStringList texts = visibleTexts(preview.root());
+    for (const char* expected :
+         {"Cut 추천", "모두 Cut", "유지", "민감도", "주의", "마지막 사용 2시간 5분 전 · 창 없음",
+          "어떻게 '안 쓰는 것'만 고르나"})
+        EXPECT_TRUE(texts.contains(QString::fromUtf8(expected))) << expected;
+    EXPECT_FALSE(texts.contains(QStringLiteral("Cut all")));
+    EXPECT_FALSE(texts.contains(QStringLiteral("Keep")));
 }
 
 } // namespace

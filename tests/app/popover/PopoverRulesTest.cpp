@@ -42,6 +42,21 @@ TEST(PopoverSize, FollowsContentUpToTheScreensLimit) {
     EXPECT_EQ(popoverHeight(1000, maxHeight(std::nullopt)), 740);
 }
 
+TEST(PopoverLoops, RunToOneAndBackEasedAtBothEnds) {
+    EXPECT_DOUBLE_EQ(loopPhase(0, 700), 0);
+    EXPECT_DOUBLE_EQ(loopPhase(350, 700), 0.5);
+    EXPECT_DOUBLE_EQ(loopPhase(700, 700), 1);
+    EXPECT_DOUBLE_EQ(loopPhase(1050, 700), 0.5);
+    EXPECT_NEAR(loopPhase(1400, 700), 0, 1e-12);
+    EXPECT_NEAR(loopPhase(10 * 1400 + 700, 700), 1, 1e-9); // many loops later, still in step
+    // Eased: slow near the ends, fast in the middle.
+    EXPECT_LT(loopPhase(70, 700), 0.1 * 0.5);
+    EXPECT_GT(loopPhase(630, 700), 1 - 0.1 * 0.5);
+    // Nothing to loop over: it stands still.
+    EXPECT_EQ(loopPhase(500, 0), 0);
+    EXPECT_EQ(loopPhase(std::numeric_limits<double>::quiet_NaN(), 700), 0);
+}
+
 TEST(PopoverBars, KeepTheirMinimumWidths) {
     EXPECT_EQ(barFillWidth(200, 0), 3);
     EXPECT_EQ(barFillWidth(200, 1.7), 200);
