@@ -36,6 +36,16 @@ def cpu_seconds(pid):
     return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
 
 
+def names_stored(session):
+    # The baselines file holds one JSON object per process name, each with a "samples" field.
+    path = os.path.join(session.env["XDG_CONFIG_HOME"], "quelmo", "baselines.conf")
+    try:
+        with open(path, encoding="utf-8", errors="replace") as f:
+            return f.read().count('\\"samples\\"')
+    except OSError:
+        return 0
+
+
 def rss_kib(pid):
     with open(f"/proc/{pid}/status") as f:
         return next(int(line.split()[1]) for line in f if line.startswith("VmRSS:"))
@@ -99,7 +109,8 @@ def main():
                 if time.monotonic() >= next_sample:
                     t = time.monotonic() - start
                     samples.append((t, cpu_seconds(program.pid), rss_kib(program.pid)))
-                    line = f"t={t:6.0f} s  RSS {samples[-1][2] / 1024:7.2f} MiB"
+                    line = (f"t={t:6.0f} s  RSS {samples[-1][2] / 1024:7.2f} MiB  names "
+                            f"{names_stored(session):5d}")
                     if len(samples) > 1:
                         (t0, c0, _), (t1, c1, _) = samples[-2], samples[-1]
                         line += f"  CPU {100 * (c1 - c0) / (t1 - t0):5.2f} % of one core"
