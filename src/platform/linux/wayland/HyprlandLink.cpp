@@ -46,7 +46,7 @@ HyprlandLink::~HyprlandLink() {
 
 void HyprlandLink::request(const QByteArray& command,
                            std::function<void(std::optional<QByteArray>)> onReply) {
-    auto* socket = new QLocalSocket;
+    auto* socket = new QLocalSocket(&requests_);
     auto reply = std::make_shared<QByteArray>();
     auto finished = std::make_shared<bool>(false);
     const auto finish = [socket, reply, finished, onReply, alive = alive_](bool complete) {

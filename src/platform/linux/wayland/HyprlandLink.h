@@ -10,6 +10,7 @@
 
 #include <QByteArray>
 #include <QLocalSocket>
+#include <QObject>
 #include <functional>
 #include <memory>
 
@@ -43,6 +44,7 @@ private:
     bool refreshed_ = false;
     QString pendingFocus_; // a window activated before the list knew it
     std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
+    QObject requests_; // owns the connections of requests in flight: none outlives the link
 };
 
 } // namespace quelmo::linux_platform

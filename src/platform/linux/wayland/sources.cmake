@@ -15,7 +15,6 @@ target_sources(quelmo_platform_linux PRIVATE
 )
 
 # The wlroots foreign-toplevel protocol, its client code generated from the protocol's XML.
-enable_language(C)
 pkg_check_modules(WAYLAND_CLIENT REQUIRED IMPORTED_TARGET wayland-client)
 find_program(WAYLAND_SCANNER wayland-scanner REQUIRED)
 set(toplevel_xml

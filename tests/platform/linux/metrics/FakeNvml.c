@@ -1,7 +1,6 @@
 // A stand-in for NVIDIA's management library with two GPUs: both report utilisation, only the
-// first counts energy. Tests load it by path in place of libnvidia-ml.so.1.
-
-extern "C" {
+// first counts energy. Tests load it by path in place of libnvidia-ml.so.1. C, like the library
+// it stands in for: the reader's declarations must fit a C library's symbols, not C++ types.
 
 static unsigned long long energyMillijoules = 1000;
 
@@ -9,7 +8,7 @@ __attribute__((visibility("default"))) void fakeNvmlSetEnergy(unsigned long long
     energyMillijoules = mj;
 }
 
-__attribute__((visibility("default"))) int nvmlInit_v2() {
+__attribute__((visibility("default"))) int nvmlInit_v2(void) {
     return 0;
 }
 
@@ -28,10 +27,10 @@ __attribute__((visibility("default"))) int nvmlDeviceGetHandleByIndex_v2(unsigne
     return 0;
 }
 
-struct Utilization {
+typedef struct {
     unsigned int gpu;
     unsigned int memory;
-};
+} Utilization;
 
 __attribute__((visibility("default"))) int nvmlDeviceGetUtilizationRates(void* device,
                                                                          Utilization* rates) {
@@ -46,5 +45,4 @@ nvmlDeviceGetTotalEnergyConsumption(void* device, unsigned long long* energy) {
         return 3; // NVML_ERROR_NOT_SUPPORTED
     *energy = energyMillijoules;
     return 0;
-}
 }
