@@ -9,7 +9,9 @@
 #   bench/app/soak.py [--binary build/dev/src/app/quelmo] [--probe build/dev/bench/quelmo_stall_probe]
 #                     [--seconds 600]
 #
-# Goals: resident memory flat (under 1 MiB drift after the warm-up), no stall over 50 ms.
+# Goals: resident memory flat (under 1 MiB drift after the warm-up), no stall over 50 ms. The
+# baselines grow by one entry per fresh name until they hold STORE_CAP names (about half an hour
+# of this churn), so the drift is printed twice: since the warm-up, and since the store filled.
 
 import argparse
 import os
@@ -28,6 +30,7 @@ SNI = "org.kde.StatusNotifierItem"
 SAMPLE_SECONDS = 30
 WARM_UP_SECONDS = 60
 CHURN_ALIVE = 12
+STORE_CAP = 4000  # the most names the program keeps (BaselineEngine::maxEntries)
 
 
 def cpu_seconds(pid):
@@ -100,7 +103,7 @@ def main():
                               stderr=subprocess.STDOUT, text=True)
         churn = Churn(session)
         start = time.monotonic()
-        next_sample, samples = start, []
+        next_sample, samples, full = start, [], None
         print(f"soak: {args.seconds} s, popover open, {CHURN_ALIVE} fresh-named processes at a "
               f"time", flush=True)
         try:
@@ -108,15 +111,20 @@ def main():
                 churn.step()
                 if time.monotonic() >= next_sample:
                     t = time.monotonic() - start
+                    names = names_stored(session)
                     samples.append((t, cpu_seconds(program.pid), rss_kib(program.pid)))
+                    if full is None and names >= STORE_CAP:
+                        full = samples[-1]
                     line = (f"t={t:6.0f} s  RSS {samples[-1][2] / 1024:7.2f} MiB  names "
-                            f"{names_stored(session):5d}")
+                            f"{names:5d}")
                     if len(samples) > 1:
                         (t0, c0, _), (t1, c1, _) = samples[-2], samples[-1]
                         line += f"  CPU {100 * (c1 - c0) / (t1 - t0):5.2f} % of one core"
                     base = next((s for s in samples if s[0] >= WARM_UP_SECONDS), None)
                     if base and base is not samples[-1]:
                         line += f"  drift {(samples[-1][2] - base[2]) / 1024:+.2f} MiB"
+                    if full and full is not samples[-1]:
+                        line += f"  since full {(samples[-1][2] - full[2]) / 1024:+.2f} MiB"
                     print(line, flush=True)
                     next_sample += SAMPLE_SECONDS
                 if program.poll() is not None:
@@ -134,6 +142,10 @@ def main():
         print(f"soak: {churn.started} processes started; CPU {cpu:.2f} % of one core; RSS "
               f"{end[2] / 1024:.2f} MiB, drift after warm-up {drift:+.2f} MiB "
               f"({'met' if abs(drift) < 1 else 'MISSED'}: under 1 MiB)")
+        if full:
+            since = (end[2] - full[2]) / 1024
+            print(f"soak: the store filled at t={full[0]:.0f} s; drift since then {since:+.2f} MiB "
+                  f"over {end[0] - full[0]:.0f} s ({'met' if abs(since) < 1 else 'MISSED'})")
         program.terminate()
         program.wait(20)
     return 0

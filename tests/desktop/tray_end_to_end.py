@@ -82,7 +82,9 @@ def popover(session):
 def wait_popover(session, shown):
     if not shown:
         return wait_until(lambda: not popover(session), 20, "the popover to close")
-    window, geometry = wait_until(lambda: popover(session), 20, "the popover to open")
+    # The first opening loads the whole scene, which takes a while in a sanitized debug build
+    # on a busy machine.
+    window, geometry = wait_until(lambda: popover(session), 90, "the popover to open")
     # As a user would, wait until it has the keyboard before doing anything else.
     wait_until(lambda: session.run(["xdotool", "getactivewindow"]).stdout.strip() == window, 20,
                "the popover to take the keyboard")
@@ -140,6 +142,18 @@ def item_on_panel(session):
         return None
     xs, ys = [h[0] for h in hits], [h[1] for h in hits]
     return (left + (min(xs) + max(xs)) // 2, py + (min(ys) + max(ys)) // 2), max(h[2] for h in hits)
+
+
+def settled_item(session):
+    # The item on the panel once it sits still: the host draws the icon first and lays it out
+    # again when the title arrives, and a click in between lands beside it.
+    seen = [None]
+
+    def settled():
+        found = item_on_panel(session)
+        seen.append(found and found[0])
+        return found if found and seen[-2] == found[0] else None
+    return wait_until(settled, 20, "the icon on the panel", interval=0.3)
 
 
 def xembed_icon(session):
@@ -203,7 +217,7 @@ def check_clicks_toggle_the_popover(session, binary):
     with running(session, ["xlogo", "-geometry", "300x300+100+300"]), \
             running(session, [binary]) as proc:
         service = registered(session, proc)
-        (x, y), contrast = wait_until(lambda: item_on_panel(session), 15, "the icon on the panel")
+        (x, y), contrast = settled_item(session)
         expect(contrast >= 100, f"the icon barely stands out from the panel ({contrast})")
         click(session, x, y)
         gx, gy, gw, gh = wait_popover(session, True)
@@ -249,7 +263,7 @@ def check_second_launch_hands_over(session, binary):
 def check_host_menu_quits(session, binary):
     with running(session, [binary]) as proc:
         registered(session, proc)
-        (x, y), _ = wait_until(lambda: item_on_panel(session), 15, "the icon on the panel")
+        (x, y), _ = settled_item(session)
         click(session, x, y, button=3)
         menu = wait_until(lambda: host_menu(session), 15, "the panel to show the item's menu")
         expect(not popover(session), "a right click opened the popover")
