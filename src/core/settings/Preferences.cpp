@@ -33,4 +33,8 @@ void setCatStyleRaw(const QString& raw) {
     QSettings().setValue(QLatin1String(SettingsKeys::catStyle), raw);
 }
 
+QString advisorModel() {
+    return storedText(SettingsKeys::advisorModel, "").trimmed();
+}
+
 } // namespace quelmo::Preferences

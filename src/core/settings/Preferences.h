@@ -16,4 +16,8 @@ void setLangRaw(const QString& raw);
 QString catStyleRaw();
 void setCatStyleRaw(const QString& raw);
 
+// The model the user asked the advisor to use, under "quelmo.advisor.model"; empty when absent
+// or not text. The program never writes it.
+QString advisorModel();
+
 } // namespace quelmo::Preferences

@@ -10,6 +10,7 @@
 //   nuvex.sensitivity             real, 0 to 1                       0.5 (the hub's own default)
 //   nuvex.baselines.v1            bytes: a JSON document             no baselines
 //   quelmo.focus.lastActive.v1    map: desktop-entry id -> seconds   no entries
+//   quelmo.advisor.model          text: a local model's name         the advisor's own choice
 //
 // Launch at login is not a key: the autostart entry itself is the only record of it.
 //
@@ -23,6 +24,7 @@ inline constexpr char catStyle[] = "quelmo.catStyle";
 inline constexpr char sensitivity[] = "nuvex.sensitivity";
 inline constexpr char baselines[] = "nuvex.baselines.v1";
 inline constexpr char focusLastActive[] = "quelmo.focus.lastActive.v1";
+inline constexpr char advisorModel[] = "quelmo.advisor.model"; // only ever read
 
 inline constexpr char baselinesFile[] = "baselines"; // beside the settings file, with .conf
 
