@@ -2,7 +2,6 @@
 
 #include "core/advisor/JsonText.h"
 
-#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QNetworkAccessManager>
@@ -16,12 +15,10 @@ namespace quelmo::ollama_platform {
 
 namespace {
 
-std::optional<QJsonObject> jsonObject(const QByteArray& body) {
-    QJsonParseError error{};
-    const QJsonDocument document = QJsonDocument::fromJson(body, &error);
-    if (error.error != QJsonParseError::NoError || !document.isObject())
-        return std::nullopt;
-    return document.object();
+// Client errors that say the request itself was wrong for this model, so that sending it again
+// would fail again. A timeout or a "too many requests" says nothing about the request.
+bool refusesTheRequest(int status) {
+    return status >= 400 && status < 500 && status != 408 && status != 429;
 }
 
 } // namespace
@@ -30,6 +27,7 @@ OllamaModel::OllamaModel(OllamaOptions options)
     : endpoint_(loopbackEndpoint(options.endpoint)), answerTimeoutMs_(options.answerTimeoutMs),
       probeTimeoutMs_(options.probeTimeoutMs),
       runtimeInstalled_(std::move(options.runtimeInstalled)),
+      preferredModel_(std::move(options.preferredModel)),
       network_(new QNetworkAccessManager(this)) {
     // Straight to the loopback socket: no system or environment proxy gets to see a request.
     network_->setProxy(QNetworkProxy::NoProxy);
@@ -50,7 +48,7 @@ ModelAvailability OllamaModel::assumedAvailability() const {
     return ModelAvailability::deviceNotEligible;
 }
 
-void OllamaModel::probe(std::function<void(ModelAvailability)> done) {
+void OllamaModel::probe(Done done) {
     if (!endpoint_) {
         QTimer::singleShot(0, this, [done] { done(ModelAvailability::otherReason); });
         return;
@@ -60,65 +58,122 @@ void OllamaModel::probe(std::function<void(ModelAvailability)> done) {
             const bool installed = runtimeInstalled_ && runtimeInstalled_();
             conclude(installed ? ModelAvailability::appleIntelligenceNotEnabled
                                : ModelAvailability::deviceNotEligible,
-                     {}, done);
+                     std::nullopt, done);
             return;
         }
         if (ps.outcome == Reply::failed) {
-            conclude(ModelAvailability::otherReason, {}, done);
+            conclude(ModelAvailability::otherReason, std::nullopt, done);
             return;
         }
         // A runtime that cannot list its loaded models still runs; it just has none to offer.
         const QList<RuntimeModel> loaded = ps.outcome == Reply::ok
                                                ? modelList(ps.body).value_or(QList<RuntimeModel>{})
                                                : QList<RuntimeModel>{};
-        send(QStringLiteral("/api/tags"), std::nullopt, probeTimeoutMs_,
-             [this, done, loaded](const Reply& tags) {
-                 const auto installed =
-                     tags.outcome == Reply::ok ? modelList(tags.body) : std::nullopt;
-                 if (!installed) {
-                     conclude(ModelAvailability::otherReason, {}, done);
-                     return;
-                 }
-                 QList<RuntimeModel> bySize = *installed;
-                 std::stable_sort(
-                     bySize.begin(), bySize.end(),
-                     [](const RuntimeModel& a, const RuntimeModel& b) { return a.size < b.size; });
-                 // Loaded models first: answering with one of them costs no loading time.
-                 QList<RuntimeModel> candidates = loaded;
-                 for (const RuntimeModel& model : bySize)
-                     if (std::none_of(candidates.begin(), candidates.end(),
-                                      [&](const RuntimeModel& c) { return c.name == model.name; }))
-                         candidates.append(model);
-                 pickChatModel(std::move(candidates), done);
+        send(QStringLiteral("/api/version"), std::nullopt, probeTimeoutMs_,
+             [this, done, loaded](const Reply& version) {
+                 // Such a runtime answers every request for a structured answer with an error.
+                 if (version.outcome == Reply::ok && tooOldForSchemas(version.body))
+                     conclude(ModelAvailability::modelNotReady, std::nullopt, done);
+                 else
+                     listModels(loaded, done);
              });
     });
 }
 
-void OllamaModel::pickChatModel(QList<RuntimeModel> candidates,
-                                std::function<void(ModelAvailability)> done) {
+void OllamaModel::listModels(const QList<RuntimeModel>& loaded, Done done) {
+    send(QStringLiteral("/api/tags"), std::nullopt, probeTimeoutMs_,
+         [this, done, loaded](const Reply& tags) {
+             const auto installed = tags.outcome == Reply::ok ? modelList(tags.body) : std::nullopt;
+             if (!installed) {
+                 conclude(ModelAvailability::otherReason, std::nullopt, done);
+                 return;
+             }
+             QList<RuntimeModel> candidates = candidateOrder(loaded, *installed);
+             QString preferred;
+             if (!preferredModel_.isEmpty()) {
+                 const std::optional<RuntimeModel> named = preferredAmong(*installed);
+                 if (!named)
+                     notePreferredUnusable(QStringLiteral("the runtime has no such model"));
+                 else if (named->remote)
+                     notePreferredUnusable(QStringLiteral("it is not stored on this machine"));
+                 else
+                     preferred = named->name;
+             }
+             // The named model is looked at first and taken whenever it can chat at all.
+             const auto at =
+                 std::find_if(candidates.begin(), candidates.end(),
+                              [&](const RuntimeModel& m) { return m.name == preferred; });
+             if (at != candidates.end())
+                 std::rotate(candidates.begin(), at, at + 1);
+             pickChatModel(std::move(candidates), preferred, std::nullopt, done);
+         });
+}
+
+std::optional<RuntimeModel>
+OllamaModel::preferredAmong(const QList<RuntimeModel>& installed) const {
+    for (const QString& name : {preferredModel_, preferredModel_ + QLatin1String(":latest")})
+        for (const RuntimeModel& model : installed)
+            if (model.name == name)
+                return model;
+    return std::nullopt;
+}
+
+void OllamaModel::pickChatModel(QList<RuntimeModel> candidates, const QString& preferred,
+                                std::optional<Pick> fallback, Done done) {
+    while (!candidates.isEmpty() && refusedModels_.contains(candidates.first().name)) {
+        if (candidates.first().name == preferred)
+            notePreferredUnusable(QStringLiteral("it refused a request"));
+        candidates.removeFirst();
+    }
     if (candidates.isEmpty()) {
-        conclude(ModelAvailability::modelNotReady, {}, done);
+        // A model that cannot stop thinking is still better than none; at its lowest level it
+        // answers within the time limit on most machines.
+        conclude(fallback ? ModelAvailability::available : ModelAvailability::modelNotReady,
+                 fallback, done);
         return;
     }
     const RuntimeModel first = candidates.takeFirst();
     const QByteArray body = "{\"model\":" + jsonStringLiteral(first.name) + "}";
-    send(QStringLiteral("/api/show"), body, probeTimeoutMs_,
-         [this, first, rest = std::move(candidates), done](const Reply& show) {
-             // The runtime's own word on what a model can do wins; runtimes too old to say
-             // are judged by the model's name and family.
-             const std::optional<bool> said =
-                 show.outcome == Reply::ok ? canChat(show.body) : std::nullopt;
-             if (said.value_or(!looksLikeEmbedding(first)))
-                 conclude(ModelAvailability::available, first.name, done);
-             else
-                 pickChatModel(rest, done);
-         });
+    send(
+        QStringLiteral("/api/show"), body, probeTimeoutMs_,
+        [this, first, rest = std::move(candidates), preferred, fallback,
+         done](const Reply& show) mutable {
+            const ModelAbilities abilities = modelAbilities(
+                first, show.outcome == Reply::ok ? std::optional(show.body) : std::nullopt);
+            const bool usable =
+                abilities.canChat && !abilities.remote && !refusedModels_.contains(first.name);
+            if (first.name == preferred) {
+                if (usable) {
+                    conclude(ModelAvailability::available, Pick{first.name, abilities.think}, done);
+                    return;
+                }
+                notePreferredUnusable(abilities.remote ? QStringLiteral("it is not stored here")
+                                                       : QStringLiteral("it cannot chat"));
+            } else if (usable && abilities.think != ThinkMode::lowest) {
+                conclude(ModelAvailability::available, Pick{first.name, abilities.think}, done);
+                return;
+            } else if (usable && !fallback) {
+                fallback = Pick{first.name, abilities.think};
+            }
+            pickChatModel(std::move(rest), preferred, std::move(fallback), done);
+        });
 }
 
-void OllamaModel::conclude(ModelAvailability availability, const QString& model,
-                           const std::function<void(ModelAvailability)>& done) {
-    chatModel_ = model;
+void OllamaModel::conclude(ModelAvailability availability, const std::optional<Pick>& pick,
+                           const Done& done) {
+    chatModel_ = pick ? pick->name : QString();
+    chatThink_ = pick ? pick->think : ThinkMode::none;
     done(availability);
+}
+
+void OllamaModel::notePreferredUnusable(const QString& why) {
+    if (preferredNoted_)
+        return;
+    preferredNoted_ = true;
+    qCWarning(lcAdvisor,
+              "The settings name the model \"%s\", which is not used: %s; the advisor "
+              "chooses a model itself",
+              qUtf8Printable(preferredModel_), qUtf8Printable(why));
 }
 
 void OllamaModel::respond(const ModelRequest& request,
@@ -127,8 +182,14 @@ void OllamaModel::respond(const ModelRequest& request,
         QTimer::singleShot(0, this, [done] { done(std::nullopt); });
         return;
     }
-    send(QStringLiteral("/api/chat"), chatRequestBody(chatModel_, request), answerTimeoutMs_,
-         [done](const Reply& reply) {
+    send(QStringLiteral("/api/chat"), chatRequestBody(chatModel_, request, chatThink_),
+         answerTimeoutMs_, [this, done, model = chatModel_](const Reply& reply) {
+             if (reply.outcome == Reply::httpError && refusesTheRequest(reply.status)) {
+                 // Not asked again in this run; the next look chooses among the others.
+                 refusedModels_.insert(model);
+                 if (chatModel_ == model)
+                     conclude(ModelAvailability::modelNotReady, std::nullopt, [](auto) {});
+             }
              done(reply.outcome == Reply::ok ? answerText(reply.body) : std::nullopt);
          });
 }
@@ -155,83 +216,50 @@ void OllamaModel::send(const QString& path, const std::optional<QByteArray>& bod
         Reply result;
         const QNetworkReply::NetworkError error = reply->error();
         const QVariant status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
-        if (error == QNetworkReply::NoError && status.toInt() == 200)
-            result = {Reply::ok, reply->readAll()};
-        else if (error == QNetworkReply::ConnectionRefusedError ||
-                 error == QNetworkReply::HostNotFoundError)
+        result.status = status.toInt();
+        if (error == QNetworkReply::NoError && result.status == 200) {
+            result.outcome = Reply::ok;
+            result.body = reply->readAll();
+        } else if (error == QNetworkReply::ConnectionRefusedError ||
+                   error == QNetworkReply::HostNotFoundError) {
             result.outcome = Reply::refused;
-        else if (status.isValid())
+        } else if (status.isValid()) {
             result.outcome = Reply::httpError; // it answered, just not with what was asked
+        }
         handler(result);
     });
 }
 
-QByteArray OllamaModel::chatRequestBody(const QString& model, const ModelRequest& request) {
+QByteArray OllamaModel::chatRequestBody(const QString& model, const ModelRequest& request,
+                                        ThinkMode think) {
     QByteArray body = "{\"model\":" + jsonStringLiteral(model) +
                       ",\"messages\":[{\"role\":\"system\",\"content\":" +
                       jsonStringLiteral(request.instructions) +
                       "},{\"role\":\"user\",\"content\":" + jsonStringLiteral(request.prompt) +
                       "}],\"stream\":false";
+    // Hidden reasoning before the answer costs a small model tens of seconds of CPU per
+    // candidate, and the answer is no better for a one-line verdict.
+    if (think == ThinkMode::off)
+        body += ",\"think\":false";
+    else if (think == ThinkMode::lowest)
+        body += ",\"think\":\"low\"";
     if (!request.format.isEmpty())
         body += ",\"format\":" + request.format;
     return body + "}";
 }
 
 std::optional<QString> OllamaModel::answerText(const QByteArray& body) {
-    const auto object = jsonObject(body);
-    if (!object)
+    QJsonParseError error{};
+    const QJsonDocument document = QJsonDocument::fromJson(body, &error);
+    if (error.error != QJsonParseError::NoError || !document.isObject())
         return std::nullopt;
-    const QJsonValue content =
-        object->value(QLatin1String("message")).toObject().value(QLatin1String("content"));
+    const QJsonValue content = document.object()
+                                   .value(QLatin1String("message"))
+                                   .toObject()
+                                   .value(QLatin1String("content"));
     if (!content.isString())
         return std::nullopt;
     return content.toString();
-}
-
-std::optional<QList<OllamaModel::RuntimeModel>> OllamaModel::modelList(const QByteArray& body) {
-    const auto object = jsonObject(body);
-    if (!object || !object->value(QLatin1String("models")).isArray())
-        return std::nullopt;
-    QList<RuntimeModel> models;
-    for (const QJsonValue& entry : object->value(QLatin1String("models")).toArray()) {
-        const QJsonObject item = entry.toObject();
-        RuntimeModel model;
-        model.name = item.value(QLatin1String("name")).toString();
-        if (model.name.isEmpty())
-            model.name = item.value(QLatin1String("model")).toString();
-        if (model.name.isEmpty())
-            continue;
-        model.size = item.value(QLatin1String("size")).toDouble();
-        const QJsonObject details = item.value(QLatin1String("details")).toObject();
-        model.families << details.value(QLatin1String("family")).toString();
-        for (const QJsonValue& family : details.value(QLatin1String("families")).toArray())
-            model.families << family.toString();
-        models.append(model);
-    }
-    return models;
-}
-
-bool OllamaModel::looksLikeEmbedding(const RuntimeModel& model) {
-    // The families of the common embedding-only models; their names nearly always say "embed"
-    // or "minilm" as well.
-    static const QStringList embeddingFamilies = {
-        QStringLiteral("bert"), QStringLiteral("nomic-bert"), QStringLiteral("xlm-roberta"),
-        QStringLiteral("roberta"), QStringLiteral("jina-bert-v2")};
-    const QString name = model.name.toLower();
-    if (name.contains(QLatin1String("embed")) || name.contains(QLatin1String("minilm")))
-        return true;
-    return std::any_of(model.families.begin(), model.families.end(), [](const QString& family) {
-        return embeddingFamilies.contains(family.toLower());
-    });
-}
-
-std::optional<bool> OllamaModel::canChat(const QByteArray& showBody) {
-    const auto object = jsonObject(showBody);
-    if (!object || !object->value(QLatin1String("capabilities")).isArray())
-        return std::nullopt;
-    return object->value(QLatin1String("capabilities"))
-        .toArray()
-        .contains(QJsonValue(QStringLiteral("completion")));
 }
 
 } // namespace quelmo::ollama_platform

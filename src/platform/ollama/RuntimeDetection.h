@@ -4,9 +4,6 @@
 
 namespace quelmo::ollama_platform {
 
-// The runtime's own default address.
-inline const char* const defaultRuntimeEndpoint = "http://127.0.0.1:11434";
-
 // Whether the runtime is installed: its program on the PATH or in one of the places its
 // installers use, or a systemd unit that starts it. Only asks whether files exist; opens none. A
 // runtime that answers on its port counts as installed whatever this says.

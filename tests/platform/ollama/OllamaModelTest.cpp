@@ -1,6 +1,6 @@
 #include "platform/ollama/OllamaModel.h"
 
-#include "FakeOllamaServer.h"
+#include "AdvisorClient.h"
 #include "core/advisor/AIAdvisor.h"
 #include "core/advisor/AdvisorTexts.h"
 #include "core/advisor/GenVerdict.h"
@@ -18,42 +18,6 @@ using namespace quelmo::test;
 using Answer = FakeOllamaServer::Answer;
 
 namespace {
-
-// Models as the runtime lists them (sizes in bytes on disk), and what /api/show says each can do.
-// The two embedding models are told apart from chat models by name and by family respectively.
-const QByteArray qwen = R"({"name":"qwen:0.5b","size":300,"details":{"family":"qwen2"}})";
-const QByteArray llama = R"({"name":"llama:3b","size":2000,"details":{"family":"llama"}})";
-const QByteArray minilm = R"({"name":"all-minilm","size":40})";
-const QByteArray bge = R"({"name":"bge-m3","size":200,"details":{"family":"bert"}})";
-const QByteArray chat = R"(["completion"])", embedding = R"(["embedding"])";
-const QHash<QString, QByteArray> capabilities = {
-    {"qwen:0.5b", chat}, {"llama:3b", chat}, {"all-minilm", embedding}, {"bge-m3", embedding}};
-// The explanation is kept exactly, other keys are ignored, and the other words are normalised.
-const QByteArray goodAnswer = R"({"explanation":" Image viewer","extra":1,"safeToQuit":true,)"
-                              R"("risk":"SAFE","recommendation":"cut"})";
-const AIQueueEntry preview{"Preview", 0.3, 180.6, "Unused app", 125.5, false};
-
-// An advisor on the real client, pointed at `endpoint`, once its first look has answered.
-struct Client {
-    OllamaModel* model;
-    AIAdvisor advisor;
-    bool looked = false;
-
-    explicit Client(const QUrl& endpoint, bool installed = false, int answerTimeoutMs = 1000)
-        : model(new OllamaModel({endpoint, answerTimeoutMs, 10000, [=] { return installed; }})),
-          advisor(std::unique_ptr<LanguageModel>(model)) {
-        QObject::connect(&advisor, &AIAdvisor::statusRefreshed, [this] { looked = true; });
-        EXPECT_TRUE(waitUntil([&] { return looked; }));
-    }
-
-    std::optional<AIVerdict> evaluate() {
-        std::optional<std::optional<AIVerdict>> result;
-        advisor.evaluate(preview, false, [&](std::optional<AIVerdict> v) { result = v; });
-        EXPECT_FALSE(result) << "answered from inside evaluate";
-        EXPECT_TRUE(waitUntil([&] { return result.has_value(); }));
-        return result.value_or(std::nullopt);
-    }
-};
 
 TEST(OllamaModel, RequestCarriesInstructionsPromptAndSchemaAndBadAnswersYieldNothing) {
     FakeOllamaServer server;
@@ -74,10 +38,9 @@ TEST(OllamaModel, RequestCarriesInstructionsPromptAndSchemaAndBadAnswersYieldNot
                            {"format", GenVerdict::schema()}}));
     EXPECT_TRUE(raw.contains(",\"format\":" + GenVerdict::schemaText())); // key order kept
 
-    for (const Answer& bad :
-         {Answer{200, FakeOllamaServer::chatAnswer(goodAnswer).body, 60000},
-          Answer{200, R"({"message":{"content":)"}, Answer{200, R"({"done":true})"},
-          Answer{500, goodAnswer}, Answer{404, R"({"error":"model not found"})"}}) {
+    for (const Answer& bad : {Answer{200, FakeOllamaServer::chatAnswer(goodAnswer).body, 60000},
+                              Answer{200, R"({"message":{"content":)"},
+                              Answer{200, R"({"done":true})"}, Answer{500, goodAnswer}}) {
         server.on("POST", "/api/chat", bad);
         EXPECT_EQ(client->evaluate(), std::nullopt) << bad.status << ' ' << bad.delayMs;
     }
@@ -199,8 +162,8 @@ TEST(OllamaModel, TheHubKeepsTheFirstLookAtTheRuntime) {
         {running.url(), {true, ""}}, {stopped, {false, "Apple Intelligence is turned off"}}};
     for (const auto& [endpoint, expected] : runtimes) {
         Platform platform;
-        platform.model =
-            std::make_unique<OllamaModel>(OllamaOptions{endpoint, 600, 10000, [] { return true; }});
+        platform.model = std::make_unique<OllamaModel>(OllamaOptions{
+            .endpoint = endpoint, .answerTimeoutMs = 600, .runtimeInstalled = [] { return true; }});
         SystemMetrics hub(std::move(platform));
         EXPECT_EQ(hub.aiStatus(), AIAdvisor::Status{}); // nothing to show yet
         bool looked = false;
