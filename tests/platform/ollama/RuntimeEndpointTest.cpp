@@ -4,6 +4,9 @@
 #include "core/settings/SettingsKeys.h"
 #include "support/QtPrinting.h"
 
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QSettings>
 #include <gtest/gtest.h>
 
@@ -46,7 +49,13 @@ TEST(RuntimeEndpoint, OllamaHostIsFollowedOnlyToThisMachine) {
 TEST(RuntimeEndpoint, TheProgramsSetupComesFromTheEnvironmentAndTheSettings) {
     FakeOllamaServer runtime;
     runtime.serveModels("[]", "[" + qwen + "," + llama + "]", capabilities);
-    QSettings().setValue(SettingsKeys::advisorModel, "llama:3b");
+    {
+        // Written by hand, the way the README shows it.
+        QFile file(QSettings().fileName());
+        QDir().mkpath(QFileInfo(file).path());
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("[General]\nquelmo.advisor.model=llama:3b\n");
+    }
     for (const QString host : {"127.0.0.1:%1", "localhost:%1", "http://127.0.0.1:%1"}) {
         qputenv("OLLAMA_HOST", host.arg(runtime.port()).toUtf8());
         OllamaOptions options = OllamaOptions::fromEnvironment();
