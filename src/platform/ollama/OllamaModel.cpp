@@ -147,8 +147,9 @@ void OllamaModel::pickChatModel(QList<RuntimeModel> candidates, const QString& p
                     conclude(ModelAvailability::available, Pick{first.name, abilities.think}, done);
                     return;
                 }
-                notePreferredUnusable(abilities.remote ? QStringLiteral("it is not stored here")
-                                                       : QStringLiteral("it cannot chat"));
+                notePreferredUnusable(abilities.remote
+                                          ? QStringLiteral("it is not stored on this machine")
+                                          : QStringLiteral("it cannot chat"));
             } else if (usable && abilities.think != ThinkMode::lowest) {
                 conclude(ModelAvailability::available, Pick{first.name, abilities.think}, done);
                 return;
@@ -187,8 +188,10 @@ void OllamaModel::respond(const ModelRequest& request,
              if (reply.outcome == Reply::httpError && refusesTheRequest(reply.status)) {
                  // Not asked again in this run; the next look chooses among the others.
                  refusedModels_.insert(model);
-                 if (chatModel_ == model)
-                     conclude(ModelAvailability::modelNotReady, std::nullopt, [](auto) {});
+                 if (chatModel_ == model) {
+                     chatModel_.clear();
+                     chatThink_ = ThinkMode::none;
+                 }
              }
              done(reply.outcome == Reply::ok ? answerText(reply.body) : std::nullopt);
          });

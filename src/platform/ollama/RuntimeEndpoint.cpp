@@ -3,9 +3,14 @@
 #include "core/advisor/LoopbackEndpoint.h"
 
 #include <QHostAddress>
+#include <optional>
 
 namespace quelmo::ollama_platform {
 
+namespace {
+
+// The address a value names; nothing for an empty value. Says nothing about whether the address
+// may be used.
 std::optional<QUrl> hostVariableUrl(const QString& value) {
     QString rest = value.trimmed();
     if (rest.isEmpty())
@@ -47,6 +52,8 @@ std::optional<QUrl> hostVariableUrl(const QString& value) {
     url.setPort(numeric && number > 0 && number <= 65535 ? number : defaultRuntimePort);
     return url;
 }
+
+} // namespace
 
 EndpointChoice runtimeEndpoint(const QString& hostVariable) {
     const QUrl fallback(QString::fromLatin1(defaultRuntimeEndpoint));
