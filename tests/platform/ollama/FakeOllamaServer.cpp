@@ -82,7 +82,7 @@ FakeOllamaServer::Answer FakeOllamaServer::chat(const QJsonObject& body) {
                       "{\"error\":\"\\\"" + model.toUtf8() + "\\\" does not support thinking\"}"};
     // gpt-oss takes only levels; a plain false is ignored and it thinks at its default.
     const bool levelsOnly =
-        installed_.value(model)["details"].toObject()["family"] == QJsonValue("gptoss");
+        installed_.value(model).value("details").toObject().value("family") == QJsonValue("gptoss");
     Answer answer = answers_.value("POST /api/chat", Answer{404, "{}"});
     if (!canThink || (think == QJsonValue(false) && !levelsOnly) || answer.status != 200)
         return answer;
