@@ -103,7 +103,7 @@ void OllamaModel::listModels(const QList<RuntimeModel>& loaded, Done done) {
              const auto at =
                  std::find_if(candidates.begin(), candidates.end(),
                               [&](const RuntimeModel& m) { return m.name == preferred; });
-             if (at != candidates.end())
+             if (!preferred.isEmpty() && at != candidates.end())
                  std::rotate(candidates.begin(), at, at + 1);
              pickChatModel(std::move(candidates), preferred, std::nullopt, done);
          });
