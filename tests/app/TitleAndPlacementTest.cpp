@@ -113,3 +113,19 @@ TEST(PopoverPlacementTest, AClickPointFarFromThePointerIsNotTrusted) {
         EXPECT_EQ(clickAnchor(row.reported, row.pointer, row.item, screens), row.anchor);
     }
 }
+
+TEST(PopoverPlacementTest, AnItemAnchorsThePopoverOnTheSideAwayFromItsPanel) {
+    const QList<ScreenSpace> screens = {{QRect(0, 0, 1280, 800), 1.0},
+                                        {QRect(1280, 0, 1280, 800), 1.0}};
+    EXPECT_EQ(itemAnchor(QRect(1250, 2, 24, 24), screens), QPoint(1261, 25));    // top panel
+    EXPECT_EQ(itemAnchor(QRect(1250, 774, 24, 24), screens), QPoint(1261, 774)); // bottom
+    EXPECT_EQ(itemAnchor(QRect(2500, 774, 24, 24), screens), QPoint(2511, 774)); // 2nd screen
+    // A tray that reserves no room: the popover still starts below the icon, not over it.
+    const QRect available(0, 0, 1280, 800);
+    const QRect atTop =
+        popoverGeometry(itemAnchor(QRect(1250, 2, 24, 24), screens), QSize(320, 400), available);
+    EXPECT_GE(atTop.top(), 26);
+    const QRect atBottom =
+        popoverGeometry(itemAnchor(QRect(1250, 774, 24, 24), screens), QSize(320, 400), available);
+    EXPECT_LT(atBottom.bottom(), 774);
+}

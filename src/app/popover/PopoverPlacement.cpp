@@ -95,6 +95,15 @@ QPoint deviceFromLogical(QPoint logical, const QList<ScreenSpace>& screens) {
     return logical;
 }
 
+QPoint itemAnchor(const QRect& item, const QList<ScreenSpace>& screens) {
+    const auto screen = std::find_if(screens.begin(), screens.end(), [&](const ScreenSpace& s) {
+        return s.geometry.contains(item.center());
+    });
+    const bool lowerHalf =
+        screen != screens.end() && item.center().y() > screen->geometry.center().y();
+    return {item.center().x(), lowerHalf ? item.top() : item.bottom()};
+}
+
 QPoint clickAnchor(QPoint reported, std::optional<QPoint> pointer, std::optional<QRect> item,
                    const QList<ScreenSpace>& screens) {
     const std::optional<QPoint> point = logicalFromDevice(reported, screens);
@@ -105,7 +114,7 @@ QPoint clickAnchor(QPoint reported, std::optional<QPoint> pointer, std::optional
     if (pointerKnown)
         return *pointer;
     if (item && item->isValid())
-        return {item->center().x(), item->bottom()};
+        return itemAnchor(*item, screens);
     return point.value_or(reported);
 }
 

@@ -56,11 +56,16 @@ QPoint deviceFromLogical(QPoint logical, const QList<ScreenSpace>& screens);
 // report instead of the pointer.
 inline constexpr int clickPointReach = 64;
 
+// Where the popover hangs from an item whose place (logical) is known: the middle of its bottom
+// edge in the upper half of its screen, of its top edge in the lower half, so that the popover
+// clears the item (and a panel that does not reserve its space) on either side.
+QPoint itemAnchor(const QRect& item, const QList<ScreenSpace>& screens);
+
 // Where the popover hangs for a click a tray host reported at `reported` (device pixels). Some
 // hosts report a point relative to their own widget ((0, 25), (8, 14)), which lands at the far
 // left of the screen: the reported point is only taken when it lies on a screen near the
-// `pointer` (logical). Otherwise the pointer, when it is on a screen; else the bottom centre of
-// the item's own `item` geometry (logical) when the host gives it; else the reported point.
+// `pointer` (logical). Otherwise the pointer, when it is on a screen; else the item's anchor
+// when the host gives its geometry (`item`, logical); else the reported point.
 QPoint clickAnchor(QPoint reported, std::optional<QPoint> pointer, std::optional<QRect> item,
                    const QList<ScreenSpace>& screens);
 

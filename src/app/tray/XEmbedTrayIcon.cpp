@@ -1,5 +1,6 @@
 #include "app/tray/XEmbedTrayIcon.h"
 
+#include "app/popover/PopoverScreens.h"
 #include "app/shell/X11Desktop.h"
 #include "app/tray/ScissorsIcon.h"
 #include "app/tray/XEmbedTrayBackground.h"
@@ -62,9 +63,13 @@ bool XEmbedTrayIcon::eventFilter(QObject* watched, QEvent* event) {
         watched->objectName() == iconWindowName) {
         // A second click soon after the first arrives as a double click; its release still is
         // a click on the item, as StatusNotifierItem hosts report it.
+        // The popover hangs from the icon itself: some trays reserve no room on the screen, and
+        // a popover under the pointer would cover them.
         const auto* release = static_cast<QMouseEvent*>(event);
+        const QRect icon = icon_.geometry();
+        const QPoint at = icon.isValid() ? itemAnchor(icon, popoverScreens()) : QCursor::pos();
         if (release->button() == Qt::LeftButton)
-            emit clicked({StatusClick::Button::Left, QCursor::pos()});
+            emit clicked({StatusClick::Button::Left, at});
         else if (release->button() == Qt::RightButton)
             emit clicked({StatusClick::Button::Right, QCursor::pos()});
     }
