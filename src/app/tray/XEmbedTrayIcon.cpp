@@ -61,11 +61,14 @@ bool XEmbedTrayIcon::eventFilter(QObject* watched, QEvent* event) {
         retint();
     if (event->type() == QEvent::MouseButtonRelease && watched->isWidgetType() &&
         watched->objectName() == iconWindowName) {
-        // A second click soon after the first arrives as a double click; its release still is
-        // a click on the item, as StatusNotifierItem hosts report it.
-        // The popover hangs from the icon itself: some trays reserve no room on the screen, and
-        // a popover under the pointer would cover them.
+        // Only a release over the icon is a click (a press dragged away is not). A second click
+        // soon after the first arrives as a double click; its release still is a click on the
+        // item, as StatusNotifierItem hosts report it. The popover hangs from the icon itself:
+        // some trays reserve no room on the screen, and a popover under the pointer would
+        // cover them.
         const auto* release = static_cast<QMouseEvent*>(event);
+        if (!static_cast<QWidget*>(watched)->rect().contains(release->position().toPoint()))
+            return QObject::eventFilter(watched, event);
         const QRect icon = icon_.geometry();
         const QPoint at = icon.isValid() ? itemAnchor(icon, popoverScreens()) : QCursor::pos();
         if (release->button() == Qt::LeftButton)
