@@ -59,8 +59,14 @@ void XEmbedTrayIcon::setTitle(const QString& title) {
 bool XEmbedTrayIcon::eventFilter(QObject* watched, QEvent* event) {
     if (watched == qApp && event->type() == QEvent::ApplicationPaletteChange)
         retint();
-    if (event->type() == QEvent::MouseButtonRelease && watched->isWidgetType() &&
-        watched->objectName() == iconWindowName) {
+    if (!watched->isWidgetType() || watched->objectName() != iconWindowName)
+        return QObject::eventFilter(watched, event);
+    // Docked, or moved along the tray: what lies around the icon may have changed.
+    if (event->type() == QEvent::Show || event->type() == QEvent::Move) {
+        retintsLeft_ = std::max(retintsLeft_, 2);
+        retintLater_.start();
+    }
+    if (event->type() == QEvent::MouseButtonRelease) {
         // Only a release over the icon is a click (a press dragged away is not). A second click
         // soon after the first arrives as a double click; its release still is a click on the
         // item, as StatusNotifierItem hosts report it. The popover hangs from the icon itself:

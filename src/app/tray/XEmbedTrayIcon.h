@@ -36,7 +36,7 @@ private:
 
     QSystemTrayIcon icon_;
     // Trays paint their background after an icon docks, and may move it: the colour is chosen
-    // again a few times after the start.
+    // again a few times after the start, and after the icon docked or moved.
     QTimer retintLater_;
     QColor tint_;
     int retintsLeft_ = 0;

@@ -8,6 +8,7 @@
 
 import json
 import os
+import re
 import select
 import subprocess
 import sys
@@ -76,10 +77,8 @@ def item_service(env, pid):
     names = subprocess.run(["gdbus", "call", "--session", "--dest", "org.freedesktop.DBus",
                             "--object-path", "/", "--method", "org.freedesktop.DBus.ListNames"],
                            env=env, capture_output=True, text=True, timeout=20).stdout
-    prefix = f"org.kde.StatusNotifierItem-{pid}-"
-    return next((n.strip("'") for n in names.replace("[", " ").replace("]", " ").replace(
-        "(", " ").replace(")", " ").replace(",", " ").split() if n.strip("'").startswith(prefix)),
-        None)
+    found = re.search(rf"'(org\.kde\.StatusNotifierItem-{pid}-\d+)'", names)
+    return found and found.group(1)
 
 
 def main():
