@@ -164,10 +164,8 @@ void TrayStatusItem::setMenu(const QList<StatusMenuEntry>& entries) {
 QPoint TrayStatusItem::anchorHint() const {
     if (lastClick_)
         return *lastClick_;
-    if (xembed_ && xembed_->geometry().isValid()) {
-        const QRect icon = xembed_->geometry();
-        return {icon.center().x(), icon.bottom()};
-    }
+    if (xembed_ && xembed_->geometry().isValid())
+        return itemAnchor(xembed_->geometry(), popoverScreens());
     return QCursor::pos();
 }
 
