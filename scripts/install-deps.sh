@@ -24,7 +24,7 @@ package_pkgs=(
 test_pkgs=(
   googletest libgtest-dev libgmock-dev libbenchmark-dev clang-format
   clang libfuzzer-14-dev
-  xvfb xauth openbox xfce4-panel dbus dbus-x11 at-spi2-core
+  xvfb xauth openbox xfce4-panel trayer dbus dbus-x11 at-spi2-core
   xdotool wmctrl x11-utils x11-apps imagemagick mousepad desktop-file-utils
   sway foot xwayland
   python3 python3-pyatspi gir1.2-atspi-2.0

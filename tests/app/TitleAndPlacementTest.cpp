@@ -69,3 +69,63 @@ TEST(PopoverPlacementTest, WindowReachesTowardsTheTallestTheContentMayGrow) {
     const PopoverFrame tooBig = popoverFrame({100, 100}, 320, 420, 380, QRect(10, 20, 300, 200));
     EXPECT_EQ(tooBig.window, QRect(10, 20, 320, 420));
 }
+
+TEST(PopoverPlacementTest, DevicePointsMapToLogicalOnTheirOwnScreen) {
+    // A 1× screen of 1920×1080 device pixels seen at scale 2, and a second one to its right
+    // (Qt keeps a screen's top-left corner in device pixels).
+    const QList<ScreenSpace> screens = {{QRect(0, 0, 960, 540), 2.0},
+                                        {QRect(1920, 0, 1280, 800), 1.0}};
+    EXPECT_EQ(logicalFromDevice({800, 14}, screens), QPoint(400, 7));
+    EXPECT_EQ(logicalFromDevice({1919, 1079}, screens), QPoint(959, 539));
+    EXPECT_EQ(logicalFromDevice({2000, 30}, screens), QPoint(2000, 30));
+    EXPECT_EQ(logicalFromDevice({1920 + 1280, 0}, screens), std::nullopt);
+    EXPECT_EQ(deviceFromLogical({400, 7}, screens), QPoint(800, 14));
+    EXPECT_EQ(deviceFromLogical({2000, 30}, screens), QPoint(2000, 30));
+
+    // An item at x=800 on the scaled screen: the popover hangs centred under x=400 (logical),
+    // so it covers device pixels 480–1120 around the item.
+    const auto anchor = clickAnchor({800, 28}, QPoint(401, 8), std::nullopt, screens);
+    EXPECT_EQ(anchor, QPoint(400, 14));
+    EXPECT_EQ(popoverGeometry(anchor, {320, 400}, screens[0].geometry).left(), 240);
+}
+
+TEST(PopoverPlacementTest, AClickPointFarFromThePointerIsNotTrusted) {
+    const QList<ScreenSpace> screens = {{QRect(0, 0, 1280, 800), 1.0}};
+    const QPoint pointer(1200, 12);
+    const QRect item(1190, 2, 24, 24);
+    const struct {
+        QPoint reported;
+        std::optional<QPoint> pointer;
+        std::optional<QRect> item;
+        QPoint anchor;
+    } rows[] = {
+        {{1202, 28}, pointer, item, {1202, 28}},            // the host's point, by the pointer
+        {{1190, 2}, pointer, item, {1190, 2}},              // the item's corner, still near
+        {{0, 25}, pointer, item, pointer},                  // relative to the host's widget
+        {{8, 14}, pointer, std::nullopt, pointer},          // (and without an item geometry)
+        {{5000, 5000}, pointer, item, pointer},             // on no screen at all
+        {{8, 14}, std::nullopt, item, {1201, 25}},          // no pointer: the item's bottom centre
+        {{640, 28}, std::nullopt, std::nullopt, {640, 28}}, // nothing else: the host's point
+        {{8, 14}, QPoint(-50, -50), std::nullopt, {8, 14}}, // a pointer on no screen is unknown
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(&row - rows);
+        EXPECT_EQ(clickAnchor(row.reported, row.pointer, row.item, screens), row.anchor);
+    }
+}
+
+TEST(PopoverPlacementTest, AnItemAnchorsThePopoverOnTheSideAwayFromItsPanel) {
+    const QList<ScreenSpace> screens = {{QRect(0, 0, 1280, 800), 1.0},
+                                        {QRect(1280, 0, 1280, 800), 1.0}};
+    EXPECT_EQ(itemAnchor(QRect(1250, 2, 24, 24), screens), QPoint(1261, 25));    // top panel
+    EXPECT_EQ(itemAnchor(QRect(1250, 774, 24, 24), screens), QPoint(1261, 774)); // bottom
+    EXPECT_EQ(itemAnchor(QRect(2500, 774, 24, 24), screens), QPoint(2511, 774)); // 2nd screen
+    // A tray that reserves no room: the popover still starts below the icon, not over it.
+    const QRect available(0, 0, 1280, 800);
+    const QRect atTop =
+        popoverGeometry(itemAnchor(QRect(1250, 2, 24, 24), screens), QSize(320, 400), available);
+    EXPECT_GE(atTop.top(), 26);
+    const QRect atBottom =
+        popoverGeometry(itemAnchor(QRect(1250, 774, 24, 24), screens), QSize(320, 400), available);
+    EXPECT_LT(atBottom.bottom(), 774);
+}

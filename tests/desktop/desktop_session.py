@@ -111,8 +111,9 @@ def _read_line(fd, what, timeout=20):
 
 
 class DesktopSession:
-    def __init__(self, width=1280, height=800):
-        self.width, self.height = width, height
+    def __init__(self, width=1280, height=800, panel=True):
+        # panel=False leaves out the xfce4-panel, for a test that brings a tray of its own.
+        self.width, self.height, self.with_panel = width, height, panel
         self.root = self.env = self._log = None
 
     def __enter__(self):
@@ -153,6 +154,8 @@ class DesktopSession:
         self.spawn(["openbox", "--sm-disable"])
         wait_until(lambda: "window id" in self.run(
             ["xprop", "-root", "_NET_SUPPORTING_WM_CHECK"]).stdout, 30, "openbox")
+        if not self.with_panel:
+            return
         self.spawn(["xfce4-panel", "--disable-wm-check"])
         wait_until(lambda: "true" in self.watcher("IsStatusNotifierHostRegistered"), 60,
                    "the panel's tray host")

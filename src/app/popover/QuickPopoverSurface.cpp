@@ -6,9 +6,11 @@
 #include "app/popover/PopoverPlacement.h"
 #include "app/popover/PopoverQml.h"
 #include "app/popover/PopoverRules.h"
+#include "app/popover/PopoverScreens.h"
 #include "app/shell/X11Desktop.h"
 #include "core/metrics/SystemMetrics.h"
 #include "core/settings/LoginItem.h"
+#include "platform/linux/wayland/SwayWindowPlacer.h"
 
 #include <QGuiApplication>
 #include <QKeyEvent>
@@ -84,12 +86,18 @@ QuickPopoverSurface::QuickPopoverSurface(SystemMetrics& metrics,
                 [this](quint32 active) { focusMoved(active == window_->winId()); });
     else
         connect(&w, &QWindow::activeChanged, this, [this] { focusMoved(window_->isActive()); });
+
+    // sway centres the window whatever position it asks for; it is placed over sway's IPC.
+    if (!qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
+        compositorPlacer_ =
+            linux_platform::SwayWindowPlacer::connect(qEnvironmentVariable("SWAYSOCK"));
 }
 
 QuickPopoverSurface::~QuickPopoverSurface() = default;
 
 void QuickPopoverSurface::showAt(QPoint anchor) {
     anchor_ = anchor;
+    compositorArea_.reset();
     QScreen* screen = QGuiApplication::screenAt(anchor);
     if (!screen)
         screen = QGuiApplication::primaryScreen();
@@ -112,6 +120,23 @@ void QuickPopoverSurface::showAt(QPoint anchor) {
     // refusing the keyboard to it.
     if (!x11::activateAsPager(w))
         w.requestActivate();
+    if (compositorPlacer_)
+        compositorPlacer_->placeWhenMapped(
+            static_cast<quint32>(w.winId()),
+            [this](QPoint pointer, const QRect& area) -> std::optional<QPoint> {
+                return placeForCompositor(pointer, area);
+            });
+}
+
+QPoint QuickPopoverSurface::placeForCompositor(QPoint pointer, const QRect& area) {
+    const QList<ScreenSpace> screens = popoverScreens();
+    anchor_ = logicalFromDevice(pointer, screens).value_or(pointer);
+    const QPoint topLeft = logicalFromDevice(area.topLeft(), screens).value_or(area.topLeft());
+    const QPoint bottomRight =
+        logicalFromDevice(area.bottomRight(), screens).value_or(area.bottomRight());
+    compositorArea_ = QRect(topLeft, bottomRight);
+    placeFrame();
+    return deviceFromLogical(frame_.window.topLeft(), screens);
 }
 
 void QuickPopoverSurface::focusMoved(bool toThisWindow) {
@@ -137,16 +162,20 @@ void QuickPopoverSurface::placeFrame() {
     QQuickItem* view = w.rootObject();
     const int height = viewHeight(view);
     const QScreen* screen = w.screen();
-    const QRect available =
-        screen ? screen->availableGeometry() : QRect(anchor_, QSize(width, height));
+    const QRect available = compositorArea_ ? *compositorArea_
+                            : screen        ? screen->availableGeometry()
+                                            : QRect(anchor_, QSize(width, height));
     frame_ = popoverFrame(anchor_, width, height,
                           static_cast<int>(std::ceil(context_->maxHeight())), available);
     if (view)
         view->setProperty("contentAtBottom", frame_.contentAtBottom);
     w.setMinimumSize(frame_.window.size());
     w.setMaximumSize(frame_.window.size());
+    const QRect before = w.geometry();
     w.setGeometry(frame_.window);
     w.setMask(frame_.contentArea(height));
+    if (compositorPlacer_ && w.isVisible() && before != frame_.window)
+        compositorPlacer_->moveAgain(deviceFromLogical(frame_.window.topLeft(), popoverScreens()));
 }
 
 void QuickPopoverSurface::fitToContent() {
@@ -161,6 +190,9 @@ void QuickPopoverSurface::fitToContent() {
 
 void QuickPopoverSurface::hide() {
     hadFocus_ = false;
+    if (compositorPlacer_)
+        compositorPlacer_->forget();
+    compositorArea_.reset();
     context_->setShown(false);
     window_->hide();
 }

@@ -5,6 +5,7 @@
 
 #include <QQuickView>
 #include <memory>
+#include <optional>
 
 namespace quelmo {
 
@@ -15,6 +16,9 @@ class SystemMetrics;
 
 namespace x11 {
 class ActiveWindowWatch;
+}
+namespace linux_platform {
+class SwayWindowPlacer;
 }
 
 // The popover's window: a frameless, always-on-top Qt Quick window without a taskbar entry that
@@ -43,6 +47,9 @@ private:
     void focusMoved(bool toThisWindow);
     // Places the window for the view's height under the anchor, as tall as the view may grow.
     void placeFrame();
+    // Places it again for the compositor's pointer and free area (device pixels), where the
+    // compositor decides where windows go; returns where the window's corner goes.
+    QPoint placeForCompositor(QPoint pointer, const QRect& area);
     // Shows the part of the window the view's content covers; places the window again when the
     // content no longer fits it.
     void fitToContent();
@@ -52,6 +59,8 @@ private:
     PopoverContext* context_ = nullptr; // child QObject
     CleanupFeed* cleanup_ = nullptr;    // child QObject
     x11::ActiveWindowWatch* activeWindow_ = nullptr;
+    std::unique_ptr<linux_platform::SwayWindowPlacer> compositorPlacer_;
+    std::optional<QRect> compositorArea_; // the free area as the compositor tells it (logical)
     bool hadFocus_ = false;
     bool awaitingFirstFrame_ = false;
     QPoint anchor_;

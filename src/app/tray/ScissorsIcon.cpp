@@ -5,6 +5,8 @@
 #include <QPainter>
 #include <QSaveFile>
 #include <QSvgRenderer>
+#include <algorithm>
+#include <cmath>
 
 namespace quelmo::scissors {
 
@@ -48,6 +50,53 @@ QIcon icon(const QColor& tint) {
     for (const int size : {16, 22, 24, 32, 48, 64})
         result.addPixmap(QPixmap::fromImage(render(size, tint)));
     return result;
+}
+
+namespace {
+
+const QColor light(0xff, 0xff, 0xff);
+const QColor dark(0x1e, 0x1e, 0x1e);
+
+double luminance(const QColor& colour) {
+    const auto linear = [](double channel) {
+        return channel <= 0.04045 ? channel / 12.92 : std::pow((channel + 0.055) / 1.055, 2.4);
+    };
+    const QColor rgb = colour.toRgb();
+    return 0.2126 * linear(rgb.redF()) + 0.7152 * linear(rgb.greenF()) +
+           0.0722 * linear(rgb.blueF());
+}
+
+QColor standingOutFrom(const QColor& background) {
+    return contrastRatio(light, background) >= contrastRatio(dark, background) ? light : dark;
+}
+
+} // namespace
+
+double contrastRatio(const QColor& a, const QColor& b) {
+    const double la = luminance(a), lb = luminance(b);
+    return (std::max(la, lb) + 0.05) / (std::min(la, lb) + 0.05);
+}
+
+QColor tintOn(const QColor& background, const QColor& preferred) {
+    if (preferred.isValid() && contrastRatio(preferred, background) >= minimumContrast)
+        return preferred;
+    return standingOutFrom(background);
+}
+
+QImage renderWithRim(int size, const QColor& tint) {
+    const QImage glyph = render(size, tint);
+    const QImage rim = render(size, standingOutFrom(tint));
+    QImage image(size, size, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    for (int dx = -1; dx <= 1; ++dx) {
+        for (int dy = -1; dy <= 1; ++dy) {
+            if (dx != 0 || dy != 0)
+                painter.drawImage(dx, dy, rim);
+        }
+    }
+    painter.drawImage(0, 0, glyph);
+    return image;
 }
 
 bool exportTo(const QString& directory) {

@@ -1,5 +1,6 @@
 #include "app/tray/TrayStatusItem.h"
 
+#include "app/popover/PopoverScreens.h"
 #include "app/tray/ScissorsIcon.h"
 #include "app/tray/StatusNotifierItem.h"
 #include "app/tray/XEmbedTrayIcon.h"
@@ -22,11 +23,12 @@ const QString watcherPath = QString::fromLatin1(statusNotifierWatcherPath);
 constexpr int fallbackDelayMs = 2000;
 
 SniPixmaps fallbackPixmaps() {
-    // For hosts that cannot load the icon by name: the scissors in the palette's text colour.
+    // For hosts that cannot load the icon by name: the scissors in the palette's text colour,
+    // rimmed so that they stand out on whatever panel the host draws them.
     const QColor tint = QGuiApplication::palette().color(QPalette::Active, QPalette::WindowText);
     SniPixmaps pixmaps;
     for (const int size : {16, 22, 24, 32, 48})
-        pixmaps.append(toSniPixmap(scissors::render(size, tint)));
+        pixmaps.append(toSniPixmap(scissors::renderWithRim(size, tint)));
     return pixmaps;
 }
 
@@ -43,12 +45,13 @@ TrayStatusItem::TrayStatusItem(std::optional<QDBusConnection> bus, const QString
         notifier_ = std::make_unique<StatusNotifierItem>(*bus_);
         const bool iconWritten = scissors::exportTo(iconDirectory);
         notifier_->setIcon(iconWritten ? iconDirectory : QString(), fallbackPixmaps());
+        // Hosts report clicks in device pixels, and some relative to their own widget.
         connect(notifier_.get(), &StatusNotifierItem::activated, this, [this](QPoint at) {
-            noteClick({StatusClick::Button::Left, at});
+            noteClick({StatusClick::Button::Left, hostClickAnchor(at)});
         });
         connect(notifier_.get(), &StatusNotifierItem::contextMenuRequested, this,
                 [this](QPoint at) {
-                    noteClick({StatusClick::Button::Right, at});
+                    noteClick({StatusClick::Button::Right, hostClickAnchor(at)});
                 });
         connect(&notifier_->menu(), &DBusMenuExporter::triggered, this,
                 &StatusItem::menuEntryTriggered);
@@ -161,10 +164,8 @@ void TrayStatusItem::setMenu(const QList<StatusMenuEntry>& entries) {
 QPoint TrayStatusItem::anchorHint() const {
     if (lastClick_)
         return *lastClick_;
-    if (xembed_ && xembed_->geometry().isValid()) {
-        const QRect icon = xembed_->geometry();
-        return {icon.center().x(), icon.bottom()};
-    }
+    if (xembed_ && xembed_->geometry().isValid())
+        return itemAnchor(xembed_->geometry(), popoverScreens());
     return QCursor::pos();
 }
 

@@ -59,6 +59,34 @@ void collect(const QJsonObject& node, bool inScratchpad, std::vector<CompositorW
     }
 }
 
+QRect rectOf(const QJsonObject& node) {
+    const QJsonObject rect = node.value(QLatin1String("rect")).toObject();
+    return {rect.value(QLatin1String("x")).toInt(), rect.value(QLatin1String("y")).toInt(),
+            rect.value(QLatin1String("width")).toInt(),
+            rect.value(QLatin1String("height")).toInt()};
+}
+
+bool findWindow(const QJsonObject& node, quint32 window, X11WindowPlace& place) {
+    const QString type = node.value(QLatin1String("type")).toString();
+    if (type == QLatin1String("output"))
+        place.output = rectOf(node);
+    else if (type == QLatin1String("workspace"))
+        place.workspace = rectOf(node);
+    if (type != QLatin1String("workspace") && type != QLatin1String("output") &&
+        node.value(QLatin1String("window")).toInteger(-1) == qint64(window)) {
+        place.container = node.value(QLatin1String("id")).toInteger(-1);
+        place.rect = rectOf(node);
+        return place.container >= 0;
+    }
+    for (const char* children : {"nodes", "floating_nodes"}) {
+        for (const QJsonValue child : node.value(QLatin1String(children)).toArray()) {
+            if (findWindow(child.toObject(), window, place))
+                return true;
+        }
+    }
+    return false;
+}
+
 } // namespace
 
 QByteArray encode(std::uint32_t type, const QByteArray& payload) {
@@ -125,6 +153,35 @@ QByteArray closeCommand(const CompositorWindow& window) {
     if (!numeric || id < 0)
         return {};
     return "[con_id=" + QByteArray::number(id) + "] kill";
+}
+
+std::optional<X11WindowPlace> findX11Window(const QByteArray& tree, quint32 window) {
+    const QJsonDocument document = QJsonDocument::fromJson(tree);
+    X11WindowPlace place;
+    if (window == 0 || !document.isObject() || !findWindow(document.object(), window, place))
+        return std::nullopt;
+    return place;
+}
+
+QPoint pointerFromCentredWindow(const QRect& window, const QRect& output) {
+    const auto axis = [](int low, int high, int outputLow, int outputHigh) {
+        if (low <= outputLow && high < outputHigh)
+            return outputLow; // stopped by the low edge: the pointer lies towards it
+        if (high >= outputHigh && low > outputLow)
+            return outputHigh;
+        return low + (high - low + 1) / 2; // sway puts the window's left half before it
+    };
+    return {axis(window.left(), window.right(), output.left(), output.right()),
+            axis(window.top(), window.bottom(), output.top(), output.bottom())};
+}
+
+QByteArray moveToPointerCommand(qint64 container) {
+    return "[con_id=" + QByteArray::number(container) + "] move position cursor";
+}
+
+QByteArray moveCommand(qint64 container, QPoint topLeft) {
+    return "[con_id=" + QByteArray::number(container) + "] move absolute position " +
+           QByteArray::number(topLeft.x()) + ' ' + QByteArray::number(topLeft.y());
 }
 
 } // namespace quelmo::linux_platform::i3ipc

@@ -8,6 +8,8 @@
 
 #include <QByteArray>
 #include <QJsonObject>
+#include <QPoint>
+#include <QRect>
 #include <cstdint>
 #include <optional>
 #include <vector>
@@ -47,5 +49,25 @@ std::optional<WindowEvent> parseWindowEvent(const QByteArray& payload);
 // The command that asks a window to close, as its close button would; empty for a handle that
 // is not a container id.
 QByteArray closeCommand(const CompositorWindow& window);
+
+// Where an X11 window (shown through XWayland) sits in a GET_TREE reply: its container, the
+// container's rectangle, the free area of its workspace (the output without the bars) and the
+// output's rectangle, all in the compositor's layout coordinates.
+struct X11WindowPlace {
+    qint64 container = -1;
+    QRect rect;
+    QRect workspace;
+    QRect output;
+};
+std::optional<X11WindowPlace> findX11Window(const QByteArray& tree, quint32 window);
+
+// "move position cursor" centres a floating window on the pointer, but keeps it on its output.
+// The pointer's position as a window so moved tells it: its centre, or the output's edge on a
+// side where that edge stopped the window.
+QPoint pointerFromCentredWindow(const QRect& window, const QRect& output);
+
+// The commands that centre a floating container on the pointer, and that move it to `topLeft`.
+QByteArray moveToPointerCommand(qint64 container);
+QByteArray moveCommand(qint64 container, QPoint topLeft);
 
 } // namespace quelmo::linux_platform::i3ipc

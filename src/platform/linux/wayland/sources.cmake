@@ -8,6 +8,7 @@ target_sources(quelmo_platform_linux PRIVATE
   wayland/EntryProcesses.h wayland/EntryProcesses.cpp
   wayland/I3IpcProtocol.h wayland/I3IpcProtocol.cpp
   wayland/I3IpcLink.h wayland/I3IpcLink.cpp
+  wayland/SwayWindowPlacer.h wayland/SwayWindowPlacer.cpp
   wayland/HyprlandProtocol.h wayland/HyprlandProtocol.cpp
   wayland/HyprlandLink.h wayland/HyprlandLink.cpp
   wayland/KWinScript.h wayland/KWinScript.cpp

@@ -217,3 +217,50 @@ TEST(CompositorSession, ActivationsNamesAndPoliteCloseGoThroughTheCompositor) {
 
 } // namespace
 } // namespace quelmo::linux_platform
+
+namespace quelmo::linux_platform {
+namespace {
+
+TEST(I3Ipc, AnX11WindowIsFoundWithTheFreeAreaAroundIt) {
+    // xeyes, floating on workspace 1 of the headless output.
+    const auto xeyes = i3ipc::findX11Window(recorded("sway/get_tree.json"), 4194314);
+    ASSERT_TRUE(xeyes);
+    EXPECT_EQ(xeyes->container, 6);
+    EXPECT_EQ(xeyes->rect, QRect(563, 310, 154, 102));
+    EXPECT_EQ(xeyes->workspace, QRect(0, 0, 1280, 720));
+    EXPECT_EQ(xeyes->output, QRect(0, 0, 1280, 720));
+    EXPECT_FALSE(i3ipc::findX11Window(recorded("sway/get_tree.json"), 4194315));
+    EXPECT_FALSE(i3ipc::findX11Window("[]", 4194314));
+
+    // On the second output, under a 23-pixel bar.
+    const QByteArray twoOutputs = R"({"type":"root","nodes":[
+        {"type":"output","rect":{"x":0,"y":0,"width":1280,"height":720},"nodes":[
+          {"type":"workspace","name":"1","rect":{"x":0,"y":0,"width":1280,"height":720}}]},
+        {"type":"output","rect":{"x":1280,"y":0,"width":1920,"height":1080},"nodes":[
+          {"type":"workspace","name":"2","rect":{"x":1280,"y":23,"width":1920,"height":1057},
+           "floating_nodes":[{"type":"floating_con","id":41,"window":77,
+             "rect":{"x":2000,"y":200,"width":320,"height":660}}]}]}]})";
+    const auto popover = i3ipc::findX11Window(twoOutputs, 77);
+    ASSERT_TRUE(popover);
+    EXPECT_EQ(popover->container, 41);
+    EXPECT_EQ(popover->workspace, QRect(1280, 23, 1920, 1057));
+    EXPECT_EQ(popover->output, QRect(1280, 0, 1920, 1080));
+    EXPECT_EQ(i3ipc::moveToPointerCommand(41), QByteArray("[con_id=41] move position cursor"));
+    EXPECT_EQ(i3ipc::moveCommand(41, {2100, 23}),
+              QByteArray("[con_id=41] move absolute position 2100 23"));
+}
+
+TEST(I3Ipc, ThePointerIsWhereAWindowCentredOnItWentOrBeyondTheEdgeThatStoppedIt) {
+    const QRect output(0, 0, 1280, 720);
+    // sway put the window's corner at the pointer less half its size.
+    EXPECT_EQ(i3ipc::pointerFromCentredWindow(QRect(140, 100, 320, 400), output), QPoint(300, 300));
+    // Stopped by the top and right edges (a tray at the top right): the pointer is on them.
+    EXPECT_EQ(i3ipc::pointerFromCentredWindow(QRect(960, 0, 320, 660), output), QPoint(1279, 0));
+    // Stopped by the bottom and left edges.
+    EXPECT_EQ(i3ipc::pointerFromCentredWindow(QRect(0, 60, 320, 660), output), QPoint(0, 719));
+    // As large as the output: nothing stopped it more on one side, so its middle.
+    EXPECT_EQ(i3ipc::pointerFromCentredWindow(output, output), QPoint(640, 360));
+}
+
+} // namespace
+} // namespace quelmo::linux_platform

@@ -5,11 +5,12 @@
 # created on first use); any other user runs them as itself. Everything lives in a temporary
 # runtime folder, and every process started here is ended when the session stops.
 #
-#     sway_session.py -- COMMAND [ARG...]
+#     sway_session.py [--bar top|bottom] -- COMMAND [ARG...]
 #
 # runs COMMAND inside the session, with WAYLAND_DISPLAY, SWAYSOCK, DISPLAY (XWayland) and a
 # private XDG_RUNTIME_DIR and HOME, and returns its exit status. Exit status 77 says that the
 # session could not be had here (no sway, no XWayland, no user to run it as): the test is skipped.
+# --bar adds a swaybar at that edge of the screen.
 
 import ctypes
 import glob
@@ -61,7 +62,7 @@ def wait_for(predicate, timeout, what, process):
     return value
 
 
-def run(command):
+def run(command, bar=None):
     for tool in ("sway", "Xwayland"):
         if not shutil.which(tool):
             raise Unavailable(f"{tool} is not installed (scripts/install-deps.sh test)")
@@ -73,6 +74,8 @@ def run(command):
         for folder in folders.values():
             os.mkdir(folder, 0o700)
         with open(os.path.join(root, "sway.conf"), "w") as f:
+            if bar:
+                f.write(f"bar {{\n position {bar}\n}}\n")
             f.write("xwayland enable\n"
                     f"exec printenv DISPLAY > {root}/display.tmp && mv {root}/display.tmp {root}/display\n")
         for path in [root, *folders.values(), os.path.join(root, "sway.conf")]:
@@ -115,11 +118,14 @@ def run(command):
 
 if __name__ == "__main__":
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(143))
-    command = sys.argv[2:] if sys.argv[1:2] == ["--"] else sys.argv[1:]
-    if not command:
-        sys.exit("usage: sway_session.py -- COMMAND [ARG...]")
+    args, bar = sys.argv[1:], None
+    if args[:1] == ["--bar"] and len(args) > 1:
+        bar, args = args[1], args[2:]
+    command = args[1:] if args[:1] == ["--"] else args
+    if not command or bar not in (None, "top", "bottom"):
+        sys.exit("usage: sway_session.py [--bar top|bottom] -- COMMAND [ARG...]")
     try:
-        sys.exit(run(command))
+        sys.exit(run(command, bar))
     except Unavailable as reason:
         print(f"SKIPPED: no sway session here: {reason}", file=sys.stderr)
         sys.exit(SKIP)
