@@ -37,6 +37,9 @@ public:
     // Runs the process-listing tool "/bin/ps -axco pid=,%cpu=,rss=,user=,comm=" and returns
     // everything it wrote on standard output; nothing when it could not be started.
     virtual std::optional<QByteArray> runProcessTool() = 0;
+    // Lets go of whatever the source keeps from one table to the next (open files, names and
+    // owners it has looked up); called when no table is wanted for a while.
+    virtual void release() {}
 };
 
 } // namespace quelmo
