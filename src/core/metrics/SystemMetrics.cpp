@@ -1,6 +1,5 @@
 #include "core/metrics/SystemMetrics.h"
 
-#include "core/Ranking.h"
 #include "core/advisor/NoLanguageModel.h"
 #include "core/cleanup/CandidateSelection.h"
 #include "core/cleanup/Termination.h"
@@ -12,6 +11,7 @@
 #include <QTimer>
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 namespace quelmo {
 
@@ -24,12 +24,22 @@ MemoryMonitor makeMemoryMonitor(std::unique_ptr<MemorySource> source) {
     return MemoryMonitor(std::move(source), total);
 }
 
-// The first `limit` rows of the snapshot by `key`, highest first, ties in snapshot order.
+// The first `limit` rows of the snapshot by `key`, highest first, ties in snapshot order. Only
+// positions are sorted, and only as far as the first `limit`: a snapshot may hold thousands.
 template <typename Key>
-QList<ProcInfo> topRows(const std::vector<ProcInfo>& rows, Key key, qsizetype limit) {
-    QList<ProcInfo> sorted(rows.begin(), rows.end());
-    rankHighestFirst(sorted, key, limit);
-    return sorted;
+QList<ProcInfo> topRows(const std::vector<ProcInfo>& rows, Key key, std::size_t limit) {
+    std::vector<std::size_t> order(rows.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    const auto middle = order.begin() + static_cast<std::ptrdiff_t>(std::min(limit, order.size()));
+    std::partial_sort(order.begin(), middle, order.end(), [&](std::size_t a, std::size_t b) {
+        const double ka = key(rows[a]), kb = key(rows[b]);
+        return ka > kb || (!(kb > ka) && a < b);
+    });
+    QList<ProcInfo> top;
+    top.reserve(middle - order.begin());
+    for (auto it = order.begin(); it != middle; ++it)
+        top.append(rows[*it]);
+    return top;
 }
 
 } // namespace
