@@ -15,8 +15,8 @@ namespace quelmo {
 // One process as the kernel's process table describes it, before any arithmetic.
 struct ProcessRecord {
     qint64 pid = 0;
-    QString name; // the full executable name
-    QString user; // the owner's user name (the uid in decimal when it has none)
+    QString name;                // the full executable name
+    QString user;                // the owner's user name (the uid in decimal when it has none)
     std::uint64_t cpuTicks = 0;  // user + system time used so far, in clock ticks
     std::uint64_t startTime = 0; // clock ticks after boot at which the process started
     double rssBytes = 0;         // resident memory
