@@ -27,6 +27,9 @@ struct Platform {
     std::unique_ptr<MemorySource> memory;
     std::unique_ptr<EnergySource> energy;
     std::unique_ptr<ProcessSource> processes;
+    // Whether the process table is read on a thread of its own, its readings arriving later
+    // through the event loop. Off: read at once on the hub's thread (tests).
+    bool readProcessesOffThread = false;
     std::unique_ptr<DesktopSession> desktop;
     std::unique_ptr<SystemInfo> system;
     std::unique_ptr<ProcessSignaller> signaller;

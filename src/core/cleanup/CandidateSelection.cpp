@@ -70,6 +70,12 @@ QList<CleanupCandidate> selectCleanupCandidates(const std::vector<ProcInfo>& pro
     for (const ProcInfo& p : procs) {
         if (p.user != in.userName || p.id == in.ownPid)
             continue;
+        // The kernel lets the user signal a process only when the user is its real or saved
+        // user; one that merely acts as the user (a privileged program that took on the user's
+        // effective uid) could not be cut. Where the table does not tell, the owner decides.
+        const bool usersKnown = !p.realUser.isEmpty() || !p.savedUser.isEmpty();
+        if (usersKnown && p.realUser != in.userName && p.savedUser != in.userName)
+            continue;
         if (desktop.frontmostPID && p.id == *desktop.frontmostPID)
             continue;
         if (in.cuttingPIDs.contains(p.id) || isProtectedProcessName(p.name))

@@ -10,14 +10,25 @@ ProcessMonitor::ProcessMonitor(std::unique_ptr<ProcessSource> source)
     : source_(std::move(source)) {}
 
 std::vector<ProcInfo> ProcessMonitor::snapshot() {
-    if (!source_) {
-        lastStartTimes_.clear();
-        figuresAreFresh_ = true;
-        return {};
-    }
-    if (auto table = source_->readTable())
-        return fromTable(std::move(*table));
-    return fromProcessTool();
+    return take(source_ ? read(*source_) : ProcessScan{});
+}
+
+ProcessScan ProcessMonitor::read(ProcessSource& source) {
+    ProcessScan scan;
+    scan.table = source.readTable();
+    if (scan.table)
+        return scan;
+    const auto output = source.runProcessTool();
+    const auto text = output ? decodeProcessListText(*output) : std::nullopt;
+    if (text)
+        scan.toolRows = parseProcessListText(*text);
+    return scan;
+}
+
+std::vector<ProcInfo> ProcessMonitor::take(ProcessScan scan) {
+    if (scan.table)
+        return fromTable(std::move(*scan.table));
+    return fromProcessTool(std::move(scan.toolRows));
 }
 
 std::optional<std::uint64_t> ProcessMonitor::startTimeOf(qint64 pid) const {
@@ -87,6 +98,8 @@ std::vector<ProcInfo> ProcessMonitor::fromTable(ProcessTable table) {
         row.cpu = cpu;
         row.rss = record.rssBytes;
         row.user = std::move(record.user);
+        row.realUser = std::move(record.realUser);
+        row.savedUser = std::move(record.savedUser);
         rows.push_back(std::move(row));
     }
 
@@ -97,18 +110,12 @@ std::vector<ProcInfo> ProcessMonitor::fromTable(ProcessTable table) {
     return rows;
 }
 
-std::vector<ProcInfo> ProcessMonitor::fromProcessTool() {
+std::vector<ProcInfo> ProcessMonitor::fromProcessTool(std::vector<ProcInfo> rows) {
     // The tool's rows carry no start time, so no pid can be vouched for afterwards. Its figures
     // are its own, taken as they come.
     lastStartTimes_.clear();
     figuresAreFresh_ = true;
-    const auto output = source_->runProcessTool();
-    if (!output)
-        return {};
-    const auto text = decodeProcessListText(*output);
-    if (!text)
-        return {};
-    return parseProcessListText(*text);
+    return rows;
 }
 
 } // namespace quelmo

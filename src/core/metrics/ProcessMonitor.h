@@ -4,12 +4,21 @@
 #include "core/metrics/sources/ProcessSource.h"
 
 #include <QHash>
+#include <QMetaType>
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <vector>
 
 namespace quelmo {
+
+// What one reading of the machine's process table brought back, before any arithmetic: the
+// kernel's table, or else the rows of the process-listing tool. A plain value, made on whichever
+// thread reads and handed to the monitor on the main thread.
+struct ProcessScan {
+    std::optional<ProcessTable> table;
+    std::vector<ProcInfo> toolRows;
+};
 
 // A snapshot of the process table, one row per process, in the order the source listed them.
 //
@@ -22,8 +31,18 @@ namespace quelmo {
 // run and its text parsed instead.
 class ProcessMonitor {
 public:
+    // Without a source the monitor only does the arithmetic on the readings it is handed.
+    ProcessMonitor() = default;
     explicit ProcessMonitor(std::unique_ptr<ProcessSource> source);
+    // Reads the source and turns the reading into rows, at once.
     std::vector<ProcInfo> snapshot();
+
+    // Reads the table from `source`, falling back to the listing tool; touches no monitor, so it
+    // may run on any thread.
+    static ProcessScan read(ProcessSource& source);
+    // The rows of a reading, measured against the readings taken before it.
+    std::vector<ProcInfo> take(ProcessScan scan);
+
     // The start time (kernel clock ticks since boot) of `pid` as of the last snapshot; used to
     // make sure a signal only ever reaches the process that was listed.
     std::optional<std::uint64_t> startTimeOf(qint64 pid) const;
@@ -53,7 +72,7 @@ private:
     };
 
     std::vector<ProcInfo> fromTable(ProcessTable table);
-    std::vector<ProcInfo> fromProcessTool();
+    std::vector<ProcInfo> fromProcessTool(std::vector<ProcInfo> rows);
 
     std::unique_ptr<ProcessSource> source_;
     QHash<qint64, Reading> reference_; // the readings later snapshots compare against
@@ -63,3 +82,5 @@ private:
 };
 
 } // namespace quelmo
+
+Q_DECLARE_METATYPE(quelmo::ProcessScan)

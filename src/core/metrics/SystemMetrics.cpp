@@ -1,6 +1,5 @@
 #include "core/metrics/SystemMetrics.h"
 
-#include "core/Ranking.h"
 #include "core/advisor/NoLanguageModel.h"
 #include "core/cleanup/CandidateSelection.h"
 #include "core/cleanup/Termination.h"
@@ -12,6 +11,7 @@
 #include <QTimer>
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 namespace quelmo {
 
@@ -24,12 +24,22 @@ MemoryMonitor makeMemoryMonitor(std::unique_ptr<MemorySource> source) {
     return MemoryMonitor(std::move(source), total);
 }
 
-// The first `limit` rows of the snapshot by `key`, highest first, ties in snapshot order.
+// The first `limit` rows of the snapshot by `key`, highest first, ties in snapshot order. Only
+// positions are sorted, and only as far as the first `limit`: a snapshot may hold thousands.
 template <typename Key>
-QList<ProcInfo> topRows(const std::vector<ProcInfo>& rows, Key key, qsizetype limit) {
-    QList<ProcInfo> sorted(rows.begin(), rows.end());
-    rankHighestFirst(sorted, key, limit);
-    return sorted;
+QList<ProcInfo> topRows(const std::vector<ProcInfo>& rows, Key key, std::size_t limit) {
+    std::vector<std::size_t> order(rows.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    const auto middle = order.begin() + static_cast<std::ptrdiff_t>(std::min(limit, order.size()));
+    std::partial_sort(order.begin(), middle, order.end(), [&](std::size_t a, std::size_t b) {
+        const double ka = key(rows[a]), kb = key(rows[b]);
+        return ka > kb || (!(kb > ka) && a < b);
+    });
+    QList<ProcInfo> top;
+    top.reserve(middle - order.begin());
+    for (auto it = order.begin(); it != middle; ++it)
+        top.append(rows[*it]);
+    return top;
 }
 
 } // namespace
@@ -39,7 +49,11 @@ SystemMetrics::SystemMetrics(Platform platform, QObject* parent)
       signaller_(std::move(platform.signaller)), cpu_(std::move(platform.cpuTicks)),
       mem_(makeMemoryMonitor(std::move(platform.memory))), gpuMon_(std::move(platform.gpu)),
       power_(std::move(platform.energy), std::move(platform.clock)),
-      procMon_(std::move(platform.processes)),
+      scanner_(new ProcessScanner(std::move(platform.processes),
+                                  platform.readProcessesOffThread
+                                      ? ProcessScanner::Threading::OwnThread
+                                      : ProcessScanner::Threading::CallersThread,
+                                  this)),
       baseline_(QString::fromLatin1(SettingsKeys::baselines)),
       advisor_(std::make_unique<AIAdvisor>(platform.model ? std::move(platform.model)
                                                           : std::make_unique<NoLanguageModel>())),
@@ -50,6 +64,7 @@ SystemMetrics::SystemMetrics(Platform platform, QObject* parent)
     chipName_ = chip.name.isEmpty() ? QStringLiteral("Apple Silicon") : chip.name;
     coreSummary_ = ChipInfo::coreSummary(chip);
     memoryGB_ = mem_.total() * (1.0 / 1073741824.0);
+    connect(scanner_, &ProcessScanner::scanned, this, &SystemMetrics::applyProcessScan);
 
     // The status kept for the cleanup card is the first real look at the model, not the guess
     // the advisor starts with; until that look has answered, the card shows no reason at all.
@@ -67,7 +82,9 @@ SystemMetrics::SystemMetrics(Platform platform, QObject* parent)
     baseline_.setSensitivity(sensitivity_);
 }
 
-SystemMetrics::~SystemMetrics() = default;
+SystemMetrics::~SystemMetrics() {
+    delete scanner_; // ends the reading thread before anything it could answer to goes
+}
 
 void SystemMetrics::start() {
     update();
@@ -116,8 +133,44 @@ void SystemMetrics::savePending() {
     baseline_.flush();
 }
 
+void SystemMetrics::setPollProcesses(bool on) {
+    pollProcesses_ = on;
+    if (on)
+        return;
+    // What was asked for while the popover was open no longer has anywhere to go, and the files
+    // and names the reader keeps for the next reading are let go until it opens again.
+    discardThrough_ = lastTicket_;
+    scanWanted_ = false;
+    scanner_->release();
+}
+
 void SystemMetrics::refreshProcesses() {
-    const std::vector<ProcInfo> snapshot = procMon_.snapshot();
+    if (scanUnderWay_) {
+        scanWanted_ = true;
+        return;
+    }
+    scanUnderWay_ = true;
+    scanner_->request(++lastTicket_);
+}
+
+void SystemMetrics::applyProcessScan(quint64 ticket, ProcessScan scan) {
+    scanUnderWay_ = false;
+    if (ticket > discardThrough_) {
+        for (auto it = releasedAfter_.begin(); it != releasedAfter_.end();) {
+            if (ticket > it.value()) {
+                cuttingPIDs_.remove(it.key());
+                it = releasedAfter_.erase(it);
+            } else {
+                ++it;
+            }
+        }
+        publishProcesses(procMon_.take(std::move(scan)));
+    }
+    if (std::exchange(scanWanted_, false))
+        refreshProcesses();
+}
+
+void SystemMetrics::publishProcesses(const std::vector<ProcInfo>& snapshot) {
     // The statistics learn from figures measured over the last second only: not the figures
     // repeated by a refresh right after a tick (as after a cut), nor those of the first
     // refresh after the popover was closed for a while. Such a refresh leaves the busy streaks
@@ -182,17 +235,27 @@ int SystemMetrics::terminate(const QList<qint64>& pids) {
     const int count =
         requestTermination(pids, {desktop_.get(), signaller_.get(),
                                   [this](qint64 pid) { return procMon_.startTimeOf(pid); }});
-    for (const qint64 pid : pids)
+    for (const qint64 pid : pids) {
         cuttingPIDs_.insert(pid);
+        releasedAfter_.remove(pid);
+    }
+    // The rows go at once; the table is read again and the rest follows when it arrives.
+    QList<CleanupCandidate> remaining = cleanupCandidates_;
+    if (remaining.removeIf(
+            [this](const CleanupCandidate& c) { return cuttingPIDs_.contains(c.id()); }) > 0)
+        publish(cleanupCandidates_, std::move(remaining), &SystemMetrics::cleanupCandidatesChanged);
     refreshProcesses();
 
-    // The rows stay hidden while the processes wind down. If the popover has closed by then, they
-    // stay hidden: nothing is refreshed while it is closed.
+    // The rows stay hidden while the processes wind down, and until a table read after that has
+    // arrived. If the popover has closed by then, they stay hidden: nothing is refreshed while it
+    // is closed.
     auto endHold = [hub = QPointer<SystemMetrics>(this), pids] {
         if (!hub || !hub->pollProcesses_)
             return;
-        for (const qint64 pid : pids)
-            hub->cuttingPIDs_.remove(pid);
+        for (const qint64 pid : pids) {
+            if (hub->cuttingPIDs_.contains(pid))
+                hub->releasedAfter_.insert(pid, hub->lastTicket_);
+        }
         hub->refreshProcesses();
     };
     if (later_)

@@ -13,6 +13,7 @@
 #include "core/metrics/PowerMonitor.h"
 #include "core/metrics/ProcInfo.h"
 #include "core/metrics/ProcessMonitor.h"
+#include "core/metrics/ProcessScanner.h"
 
 #include <QHash>
 #include <QList>
@@ -54,6 +55,8 @@ public:
 
     void start();
     void update();
+    // Asks for a reading of the process table; the lists follow when it arrives (at once where
+    // the table is read on this thread).
     void refreshProcesses();
     void reevaluateAI();
     // Stores the statistics gathered since the last save; called when the program ends.
@@ -87,7 +90,7 @@ public:
 
     // Read by the rest of the program.
     bool pollProcesses() const { return pollProcesses_; }
-    void setPollProcesses(bool on) { pollProcesses_ = on; }
+    void setPollProcesses(bool on);
     // The advisor's status at its first look, which the advisor signals; before that, neither
     // available nor with a reason.
     AIAdvisor::Status aiStatus() const { return aiStatus_; }
@@ -128,6 +131,8 @@ private:
     QList<CleanupCandidate> computeCleanupCandidates(const std::vector<ProcInfo>& procs) const;
     void queueAIEvaluations();
     void pumpAI();
+    void applyProcessScan(quint64 ticket, ProcessScan scan);
+    void publishProcesses(const std::vector<ProcInfo>& snapshot);
 
     template <typename T> void publish(T& field, T value, void (SystemMetrics::*changed)()) {
         field = std::move(value);
@@ -166,12 +171,23 @@ private:
     GPUMonitor gpuMon_;
     PowerMonitor power_;
     ProcessMonitor procMon_;
+    ProcessScanner* scanner_ = nullptr; // child QObject; owns the process source
+    // Readings are numbered as they are asked for. Only one is under way at a time; asks made
+    // meanwhile are folded into one more reading once it has arrived.
+    quint64 lastTicket_ = 0;
+    bool scanUnderWay_ = false;
+    bool scanWanted_ = false;
+    quint64 discardThrough_ = 0; // readings asked for before the popover last closed
     BaselineEngine baseline_;
     std::unique_ptr<AIAdvisor> advisor_;
     EvaluationQueue queue_; // asks advisor_
     FocusTracker focus_;
     QTimer* timer_ = nullptr; // child QObject, made by start()
     QSet<qint64> cuttingPIDs_;
+    // Cut pids whose hold has ended, with the last reading asked for before it ended: they stay
+    // hidden until a reading asked for after that arrives, so a table read while they were still
+    // winding down cannot bring them back.
+    QHash<qint64, quint64> releasedAfter_;
     Platform::Later later_;
 };
 

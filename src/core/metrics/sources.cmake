@@ -10,5 +10,6 @@ target_sources(quelmo_core PRIVATE
   metrics/MemoryMonitor.h metrics/MemoryMonitor.cpp
   metrics/PowerMonitor.h metrics/PowerMonitor.cpp
   metrics/ProcessMonitor.h metrics/ProcessMonitor.cpp
+  metrics/ProcessScanner.h metrics/ProcessScanner.cpp metrics/ProcessScanWorker.h
   metrics/ProcessListText.h metrics/ProcessListText.cpp
 )

@@ -6,8 +6,12 @@
 #include "support/FakePlatform.h"
 #include "support/TempSettings.h"
 
+#include <QCoreApplication>
+#include <QElapsedTimer>
 #include <QSettings>
+#include <QThread>
 #include <QVariantMap>
+#include <atomic>
 #include <gtest/gtest.h>
 
 using namespace quelmo;
@@ -24,6 +28,7 @@ struct HubOnFakes {
     FakeSignaller* signaller = new FakeSignaller;
     double now = 100;                                           // the power clock, in seconds
     std::vector<std::pair<int, std::function<void()>>> delayed; // (delay in ms, task)
+    bool offThread = false; // tables read on a thread of their own
     std::unique_ptr<SystemMetrics> hub;
 
     // Runs the delayed tasks handed out so far, as their timers would.
@@ -38,6 +43,7 @@ struct HubOnFakes {
         platform.cpuTicks.reset(cpu);
         platform.energy.reset(energy);
         platform.processes.reset(processes);
+        platform.readProcessesOffThread = offThread;
         platform.desktop.reset(desktop);
         platform.system.reset(system);
         platform.signaller.reset(signaller);
@@ -223,6 +229,79 @@ TEST(SystemMetricsTest, SelectionSeesTheHubsReadingsHistoryBaselinesAndCuts) {
     hub.refreshProcesses();
     EXPECT_EQ(ids(hub.cleanupCandidates()), QList<qint64>({60, 50}));
     EXPECT_EQ(hub.cleanupCandidates().last().displayName, "Notes");
+}
+
+// Tables read on the scan thread, one script entry per reading in the order they are read; the
+// counters are the only thing the test reads while that thread runs.
+struct ScriptedTables : FixedProcesses {
+    std::deque<std::vector<qint64>> script; // the pids of each reading, all alice's, 2 GiB each
+    std::atomic<int> reads = 0;
+    std::atomic<int> releases = 0;
+    std::optional<ProcessTable> readTable() override {
+        std::vector<ProcessRecord> records;
+        for (const qint64 pid : script.empty() ? std::vector<qint64>{} : script.front())
+            records.push_back({pid, QStringLiteral("p%1").arg(pid), QStringLiteral("alice"), 0,
+                               static_cast<std::uint64_t>(pid), 2 * GiB + double(pid)});
+        if (!script.empty())
+            script.pop_front();
+        ++reads;
+        return ProcessTable{records, 100, 1000.0 + reads};
+    }
+    void release() override { ++releases; }
+};
+
+bool spinUntil(const std::function<bool()>& done) {
+    QElapsedTimer waited;
+    waited.start();
+    while (!done() && waited.elapsed() < 10000) {
+        QCoreApplication::processEvents();
+        QThread::msleep(1);
+    }
+    QCoreApplication::processEvents();
+    return done();
+}
+
+// Read on a thread of their own, tables arrive later and in the order asked. A table asked for
+// before a cut's hold ended (read while the process was still winding down) does not bring its
+// row back; the first one asked for after it does, if the process is still there.
+TEST(SystemMetricsTest, TablesReadOffThreadArriveInOrderAndAStaleOneKeepsACutRowHidden) {
+    TempSettings::clear();
+    HubOnFakes fakes;
+    auto* tables = new ScriptedTables;
+    tables->script = {{100, 101}, {100, 101}, {100, 101}};
+    delete std::exchange(fakes.processes, tables);
+    fakes.signaller->running = {{101, 101}};
+    fakes.offThread = true;
+    SystemMetrics& hub = fakes.build();
+    hub.setSensitivity(1.0); // 1 GiB is a memory hog
+    hub.setPollProcesses(true);
+    QList<QList<qint64>> published;
+    QObject::connect(&hub, &SystemMetrics::cleanupCandidatesChanged,
+                     [&] { published << ids(hub.cleanupCandidates()); });
+
+    hub.refreshProcesses();
+    EXPECT_TRUE(published.isEmpty()); // not read yet on this thread
+    ASSERT_TRUE(spinUntil([&] { return published.size() == 1; }));
+    EXPECT_EQ(published.takeFirst(), QList<qint64>({101, 100}));
+
+    hub.update();                       // the tick asks for the second table...
+    EXPECT_EQ(hub.terminate({101}), 1); // ...the cut for one more, folded into a third
+    EXPECT_EQ(published.takeFirst(), QList<qint64>({100})); // the row goes at once
+    fakes.runDelayed(); // the hold ends before the second table has arrived
+    ASSERT_TRUE(spinUntil([&] { return tables->reads == 3 && published.size() == 2; }));
+    EXPECT_EQ(published, QList<QList<qint64>>({{100}, {101, 100}}));
+    EXPECT_TRUE(hub.cuttingPIDs().isEmpty());
+
+    // A table asked for before the popover closed does not fill the emptied lists again, and the
+    // reader lets go of what it keeps.
+    hub.refreshProcesses();
+    hub.setPollProcesses(false);
+    hub.setCleanupCandidates({});
+    published.clear();
+    ASSERT_TRUE(spinUntil([&] { return tables->reads == 4 && tables->releases == 1; }));
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(hub.cleanupCandidates().isEmpty());
+    EXPECT_TRUE(published.isEmpty());
 }
 
 } // namespace

@@ -20,6 +20,11 @@ struct ProcessRecord {
     std::uint64_t cpuTicks = 0;  // user + system time used so far, in clock ticks
     std::uint64_t startTime = 0; // clock ticks after boot at which the process started
     double rssBytes = 0;         // resident memory
+    // The users of the real and saved uid, spelt as `user`: those whom the kernel lets signal the
+    // process. Empty where the table does not tell (initialised so that records written field by
+    // field may leave them out).
+    QString realUser = {};
+    QString savedUser = {};
 };
 
 // The whole table, with the clock facts needed to turn tick counts into percentages.
@@ -37,6 +42,9 @@ public:
     // Runs the process-listing tool "/bin/ps -axco pid=,%cpu=,rss=,user=,comm=" and returns
     // everything it wrote on standard output; nothing when it could not be started.
     virtual std::optional<QByteArray> runProcessTool() = 0;
+    // Lets go of whatever the source keeps from one table to the next (open files, names and
+    // owners it has looked up); called when no table is wanted for a while.
+    virtual void release() {}
 };
 
 } // namespace quelmo

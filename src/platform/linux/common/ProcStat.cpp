@@ -66,7 +66,7 @@ std::optional<ProcessUids> parseStatusUids(std::string_view status) {
         const auto effective = uidOf(nextWord(*line, at));
         if (!real || !effective)
             return std::nullopt;
-        return ProcessUids{*real, *effective};
+        return ProcessUids{*real, *effective, uidOf(nextWord(*line, at))};
     }
     return std::nullopt;
 }

@@ -23,9 +23,10 @@ std::optional<ProcStat> parseProcStat(std::string_view stat);
 struct ProcessUids {
     std::uint32_t real = 0;
     std::uint32_t effective = 0;
+    std::optional<std::uint32_t> saved; // the saved set-user-ID, where the line holds it
 };
 
-// The real and effective uid of the "Uid:" line of /proc/[pid]/status text.
+// The real, effective and saved uid of the "Uid:" line of /proc/[pid]/status text.
 std::optional<ProcessUids> parseStatusUids(std::string_view status);
 
 } // namespace quelmo::linux_platform

@@ -20,6 +20,7 @@ void addMetricsReaders(Platform& platform, const QString& root) {
     platform.memory = std::make_unique<MemInfoReader>(root);
     platform.energy = std::make_unique<EnergyReader>(root, nvml);
     platform.processes = std::make_unique<ProcfsProcessReader>(root);
+    platform.readProcessesOffThread = true;
 }
 
 } // namespace quelmo::linux_platform

@@ -12,7 +12,8 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <optional>
-#include <sys/stat.h>
+#include <sys/resource.h>
+#include <sys/select.h>
 #include <unistd.h>
 #include <vector>
 
@@ -24,25 +25,50 @@ constexpr std::size_t kernelCommLength = 15; // TASK_COMM_LEN without its termin
 // Longer names are cut: they are shown, stored with the statistics and put into prompts.
 constexpr std::size_t maxNameBytes = 255;
 
-// The contents of `name` under the directory `dir`, at most `buffer.size()` bytes, in a single
-// read (procfs hands a file over in one); nothing when it cannot be opened or read, as when the
-// process has gone.
-template <std::size_t N>
-std::optional<std::string_view> readInto(int dir, const char* name, std::array<char, N>& buffer) {
+// The file `leaf` of the process directory `pid` under the directory `dir`, opened for reading;
+// -1 when it cannot be, as when the process has gone.
+int openAt(int dir, std::string_view pid, const char* leaf) {
+    std::array<char, 48> path{};
+    std::snprintf(path.data(), path.size(), "%.*s/%s", static_cast<int>(pid.size()), pid.data(),
+                  leaf);
     int fd = -1;
     do {
-        fd = ::openat(dir, name, O_RDONLY | O_CLOEXEC | O_NOCTTY);
+        fd = ::openat(dir, path.data(), O_RDONLY | O_CLOEXEC | O_NOCTTY);
     } while (fd < 0 && errno == EINTR);
-    if (fd < 0)
-        return std::nullopt;
+    return fd;
+}
+
+// The contents of the open file `fd` from its start, at most `buffer.size()` bytes, in a single
+// read (procfs hands a file over in one, made afresh for a read at offset 0); nothing when it
+// cannot be read, as when the process has gone.
+template <std::size_t N>
+std::optional<std::string_view> preadInto(int fd, std::array<char, N>& buffer) {
     ssize_t n = 0;
     do {
-        n = ::read(fd, buffer.data(), buffer.size());
+        n = ::pread(fd, buffer.data(), buffer.size(), 0);
     } while (n < 0 && errno == EINTR);
-    ::close(fd);
     if (n < 0)
         return std::nullopt;
     return std::string_view(buffer.data(), static_cast<std::size_t>(n));
+}
+
+struct KeptFilePlan {
+    std::size_t limit = 0;
+    int floor = 0;
+};
+
+KeptFilePlan keptFilePlan() {
+    constexpr rlim_t selectReach = FD_SETSIZE; // 1024: select() watches no higher number
+    constexpr rlim_t most = 8192;
+    rlimit limit{};
+    if (::getrlimit(RLIMIT_NOFILE, &limit) != 0)
+        return {};
+    const rlim_t soft = limit.rlim_cur;
+    if (soft == RLIM_INFINITY || soft >= selectReach + 256)
+        return {static_cast<std::size_t>(
+                    std::min(most, soft == RLIM_INFINITY ? most : soft - selectReach)),
+                static_cast<int>(selectReach)};
+    return {static_cast<std::size_t>(soft / 4), 0};
 }
 
 // The file name of the first argument, when it begins with the kernel's cut of the name.
@@ -116,10 +142,11 @@ QString processName(std::string_view comm, std::string_view cmdline) {
     return QString::fromUtf8(printable.data(), static_cast<qsizetype>(printable.size()));
 }
 
-ProcfsProcessReader::ProcfsProcessReader(const QString& root, UserLookup lookup)
+ProcfsProcessReader::ProcfsProcessReader(const QString& root, UserLookup lookup,
+                                         std::size_t keptFiles)
     : procPath_(rootedPath(root, "proc")), toolPath_(rootedPath(root, "bin/ps")),
       uptime_(rootedPath(root, "proc/uptime")), users_(std::move(lookup)),
-      ownersAreEffectiveUids_(isLiveRoot(root)) {
+      keptFileLimit_(keptFiles), keptFloor_(keptFilePlan().floor) {
     if (const long hz = ::sysconf(_SC_CLK_TCK); hz > 0)
         ticksPerSecond_ = static_cast<std::uint64_t>(hz);
     if (const long page = ::sysconf(_SC_PAGESIZE); page > 0)
@@ -127,8 +154,19 @@ ProcfsProcessReader::ProcfsProcessReader(const QString& root, UserLookup lookup)
 }
 
 ProcfsProcessReader::~ProcfsProcessReader() {
+    release();
     if (proc_)
         ::closedir(proc_);
+}
+
+std::size_t ProcfsProcessReader::keptFileLimit() {
+    return keptFilePlan().limit;
+}
+
+void ProcfsProcessReader::release() {
+    // What was learnt stays: the next table sweeps out what has ended meanwhile.
+    for (auto& [pid, known] : known_)
+        forget(known);
 }
 
 std::optional<ProcessTable> ProcfsProcessReader::readTable() {
@@ -151,14 +189,28 @@ std::optional<ProcessTable> ProcfsProcessReader::readTable() {
         }
     }
 
+    ++tables_;
+    table.processes.reserve(known_.size());
     bool listedAny = false;
     while (const dirent* entry = ::readdir(proc_)) {
         const std::string_view name(entry->d_name);
         if (!allDigits(name))
             continue;
         listedAny = true;
-        if (auto record = readProcess(name))
+        const auto id = parseUnsigned(name);
+        if (!id || *id > static_cast<std::uint64_t>(INT64_MAX))
+            continue;
+        if (auto record = readProcess(static_cast<qint64>(*id), name))
             table.processes.push_back(std::move(*record));
+    }
+    // What the listing no longer holds has ended.
+    for (auto it = known_.begin(); it != known_.end();) {
+        if (it->second.lastSeen == tables_) {
+            ++it;
+        } else {
+            forget(it->second);
+            it = known_.erase(it);
+        }
     }
     // An empty directory is an unmounted /proc: this machine has no table to give.
     if (!listedAny)
@@ -166,57 +218,122 @@ std::optional<ProcessTable> ProcfsProcessReader::readTable() {
     return table;
 }
 
-std::optional<ProcessRecord> ProcfsProcessReader::readProcess(std::string_view pid) {
-    const auto id = parseUnsigned(pid);
-    if (!id || *id > static_cast<std::uint64_t>(INT64_MAX))
-        return std::nullopt;
-    const int dir = ::dirfd(proc_);
-    std::array<char, 48> path{};
-    const auto file = [&](const char* leaf) {
-        std::snprintf(path.data(), path.size(), "%.*s/%s", static_cast<int>(pid.size()), pid.data(),
-                      leaf);
-        return path.data();
-    };
-
-    // The owner of /proc/[pid] is the process's effective uid, except for a process that is not
-    // dumpable (one that changed its credentials, or asked not to be), whose directory is
-    // root's. Only those, and every process of a fixture tree, whose files belong to whoever
-    // copied them, need the Uid line of status; kernel threads are root's.
-    struct stat owner {};
-    if (::fstatat(dir, file(""), &owner, 0) != 0)
-        return std::nullopt;
+std::optional<ProcessRecord> ProcfsProcessReader::readProcess(qint64 pid,
+                                                              std::string_view pidText) {
     std::array<char, 4096> statBuffer;
-    const auto statText = readInto(dir, file("stat"), statBuffer);
-    const auto stat = statText ? parseProcStat(*statText) : std::nullopt;
-    if (!stat)
-        return std::nullopt;
-    std::uint32_t effectiveUid = owner.st_uid;
-    bool ownerKnown = true;
-    if (!ownersAreEffectiveUids_ || (owner.st_uid == 0 && !stat->isKernelThread())) {
-        std::array<char, 1024> statusBuffer; // the Uid line is within the first few hundred bytes
-        const auto status = readInto(dir, file("status"), statusBuffer);
-        if (!status)
-            return std::nullopt; // gone between the two reads
-        const auto uids = parseStatusUids(*status);
-        ownerKnown = uids.has_value();
-        effectiveUid = uids ? uids->effective : 0;
+    std::optional<std::string_view> statText;
+    auto found = known_.find(pid);
+    if (found != known_.end() && found->second.stat >= 0) {
+        statText = preadInto(found->second.stat, statBuffer);
+        // The kept file belongs to the process that was; a later one under its pid is new.
+        if (!statText || statText->empty()) {
+            forget(found->second);
+            known_.erase(found);
+            found = known_.end();
+            statText.reset();
+        }
     }
+    int opened = -1;
+    if (!statText) {
+        opened = openAt(::dirfd(proc_), pidText, "stat");
+        statText = opened >= 0 ? preadInto(opened, statBuffer) : std::nullopt;
+    }
+    const auto stat = statText ? parseProcStat(*statText) : std::nullopt;
+    if (!stat) {
+        if (opened >= 0)
+            ::close(opened);
+        if (found != known_.end()) {
+            forget(found->second);
+            known_.erase(found);
+        }
+        return std::nullopt;
+    }
+
+    if (found == known_.end())
+        found = known_.try_emplace(pid).first;
+    KnownProcess& known = found->second;
+    const bool sameProgram =
+        known.lastSeen != 0 && known.startTime == stat->startTime && known.comm == stat->comm;
+    if (!sameProgram && !learn(known, pidText, *stat)) {
+        if (opened >= 0)
+            ::close(opened);
+        forget(known);
+        known_.erase(found);
+        return std::nullopt; // gone between the reads
+    }
+    known.lastSeen = tables_;
+    if (opened >= 0)
+        keep(known, opened);
 
     ProcessRecord record;
-    record.pid = static_cast<qint64>(*id);
-    if (stat->comm.size() == kernelCommLength) {
-        std::array<char, 4096> cmdlineBuffer;
-        const auto cmdline = readInto(dir, file("cmdline"), cmdlineBuffer);
-        record.name = processName(stat->comm, cmdline.value_or(std::string_view()));
-    } else {
-        record.name = processName(stat->comm, {});
-    }
-    if (ownerKnown)
-        record.user = users_.nameOf(effectiveUid);
+    record.pid = pid;
+    record.name = known.name;
+    record.user = known.user;
+    record.realUser = known.realUser;
+    record.savedUser = known.savedUser;
     record.cpuTicks = stat->cpuTicks;
     record.startTime = stat->startTime;
     record.rssBytes = static_cast<double>(stat->rssPages) * pageSize_;
     return record;
+}
+
+bool ProcfsProcessReader::learn(KnownProcess& known, std::string_view pidText,
+                                const ProcStat& stat) {
+    const int dir = ::dirfd(proc_);
+    // Kernel threads are root's and have no status worth reading; every other process's owner
+    // and the users allowed to signal it come from its Uid line.
+    std::optional<ProcessUids> uids = ProcessUids{0, 0, 0};
+    if (!stat.isKernelThread()) {
+        std::array<char, 1024> statusBuffer; // the Uid line is within the first few hundred bytes
+        const int status = openAt(dir, pidText, "status");
+        const auto text = status >= 0 ? preadInto(status, statusBuffer) : std::nullopt;
+        if (status >= 0)
+            ::close(status);
+        if (!text)
+            return false;
+        uids = parseStatusUids(*text);
+    }
+
+    known.startTime = stat.startTime;
+    known.comm.assign(stat.comm);
+    if (stat.comm.size() == kernelCommLength) {
+        std::array<char, 4096> cmdlineBuffer;
+        const int cmdline = openAt(dir, pidText, "cmdline");
+        const auto text = cmdline >= 0 ? preadInto(cmdline, cmdlineBuffer) : std::nullopt;
+        if (cmdline >= 0)
+            ::close(cmdline);
+        known.name = processName(stat.comm, text.value_or(std::string_view()));
+    } else {
+        known.name = processName(stat.comm, {});
+    }
+    known.user = uids ? users_.nameOf(uids->effective) : QString();
+    known.realUser = uids ? users_.nameOf(uids->real) : QString();
+    known.savedUser = uids && uids->saved ? users_.nameOf(*uids->saved) : QString();
+    return true;
+}
+
+void ProcfsProcessReader::keep(KnownProcess& known, int fd) {
+    if (known.stat >= 0 || keptFiles_ >= keptFileLimit_) {
+        ::close(fd);
+        return;
+    }
+    if (keptFloor_ > 0) {
+        const int moved = ::fcntl(fd, F_DUPFD_CLOEXEC, keptFloor_);
+        ::close(fd);
+        if (moved < 0)
+            return;
+        fd = moved;
+    }
+    known.stat = fd;
+    ++keptFiles_;
+}
+
+void ProcfsProcessReader::forget(KnownProcess& known) {
+    if (known.stat < 0)
+        return;
+    ::close(known.stat);
+    known.stat = -1;
+    --keptFiles_;
 }
 
 std::optional<QByteArray> ProcfsProcessReader::runProcessTool() {

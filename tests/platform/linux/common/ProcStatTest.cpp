@@ -47,12 +47,15 @@ TEST(ProcStatTest, MalformedLinesGiveNothing) {
     }
 }
 
-TEST(ProcStatTest, UidLineGivesRealAndEffective) {
+TEST(ProcStatTest, UidLineGivesRealEffectiveAndSaved) {
     const auto uids = parseStatusUids("Name:\tx\nUmask:\t0022\nUid:\t1000\t0\t0\t0\nGid:\t5\n");
     ASSERT_TRUE(uids);
     EXPECT_EQ(uids->real, 1000u);
     EXPECT_EQ(uids->effective, 0u);
-    EXPECT_EQ(parseStatusUids("Uid:\t4294967295\t4294967294\t0\t0")->effective, 4294967294u);
+    EXPECT_EQ(uids->saved, std::optional<std::uint32_t>(0));
+    EXPECT_EQ(parseStatusUids("Uid:\t4294967295\t4294967294\t7\t0")->effective, 4294967294u);
+    EXPECT_EQ(parseStatusUids("Uid:\t4294967295\t4294967294\t7\t0")->saved, 7u);
+    EXPECT_FALSE(parseStatusUids("Uid:\t1\t2\n")->saved); // a line without it
 
     EXPECT_FALSE(parseStatusUids("Uid:\t1\n"));
     EXPECT_FALSE(parseStatusUids("Uid:\t1\t4294967296\t0\t0\n"));

@@ -2,6 +2,8 @@
 #include "platform/linux/metrics/ProcfsProcessReader.h"
 #include "support/FixtureTree.h"
 
+#include <QProcess>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <map>
 #include <unistd.h>
@@ -55,8 +57,12 @@ TEST(ProcfsProcessReaderTest, NamesTheKernelAllowsAndBrokenEntries) {
     EXPECT_EQ(web.startTime, 1000u);
     EXPECT_EQ(web.rssBytes, 256.0 * static_cast<double>(::sysconf(_SC_PAGESIZE)));
     EXPECT_EQ(table.at(102).user, QStringLiteral("root")); // the effective uid, not the real one
+    EXPECT_EQ(table.at(102).realUser, QStringLiteral("alice"));
+    EXPECT_EQ(table.at(102).savedUser, QStringLiteral("alice"));
+    EXPECT_EQ(table.at(101).realUser, QStringLiteral("root"));
     EXPECT_EQ(table.at(107).user, QStringLiteral("4242")); // no name: the uid, as ps prints it
     EXPECT_EQ(table.at(108).user, QString());              // unreadable Uid line
+    EXPECT_EQ(table.at(108).realUser, QString());
 }
 
 // Names completed from the command line: a slash inside a rewritten line's arguments is not a
@@ -135,4 +141,116 @@ TEST(ProcfsProcessReaderTest, TheListingToolCannotHoldTheProgramUp) {
     ProcfsProcessReader reader(tree.root(), fixtureUsers);
     EXPECT_EQ(reader.runProcessTool(),
               std::optional<QByteArray>("  42  1.5  2048 alice  Web Content\n"));
+}
+
+namespace {
+
+QByteArray statLine(qint64 pid, const char* comm, std::uint64_t ticks, std::uint64_t start) {
+    return QStringLiteral("%1 (%2) S 1 1 1 0 -1 4194560 0 0 0 0 %3 0 0 0 20 0 1 0 %4 1 64 1")
+        .arg(pid)
+        .arg(QLatin1String(comm))
+        .arg(ticks)
+        .arg(start)
+        .toLatin1();
+}
+
+QByteArray uidLine(int real, int effective, int saved) {
+    return QStringLiteral("Name:\tx\nUid:\t%1\t%2\t%3\t%2\n")
+        .arg(real)
+        .arg(effective)
+        .arg(saved)
+        .toLatin1();
+}
+
+} // namespace
+
+// A process's status and command line are read when it is first seen and again only when the pid
+// holds another process (a new start time) or runs another program (a new kernel name); its stat
+// is read on every table, kept open where the limit allows and closed once it has ended.
+TEST(ProcfsProcessReaderTest, WhatAProcessIsIsLearntOnceAndAgainWhenItChanges) {
+    FixtureTree tree;
+    tree.write(QStringLiteral("proc/uptime"), "5000.00 100.00\n");
+    const auto process = [&](const char* comm, std::uint64_t ticks, std::uint64_t start) {
+        tree.write(QStringLiteral("proc/300/stat"), statLine(300, comm, ticks, start));
+    };
+    process("editor", 10, 500);
+    tree.write(QStringLiteral("proc/300/status"), uidLine(1000, 1000, 1000));
+    tree.write(QStringLiteral("proc/300/cmdline"), QByteArray("editor\0", 7));
+    tree.write(QStringLiteral("proc/301/stat"), statLine(301, "shell", 0, 400));
+    tree.write(QStringLiteral("proc/301/status"), uidLine(1000, 1000, 1000));
+
+    for (const std::size_t limit : {std::size_t{8}, std::size_t{0}}) {
+        SCOPED_TRACE(testing::Message() << "files kept at most: " << limit);
+        ProcfsProcessReader reader(tree.root(), fixtureUsers, limit);
+        const auto row = [&](qint64 pid) {
+            const auto table = reader.readTable();
+            if (table) {
+                for (const ProcessRecord& r : table->processes) {
+                    if (r.pid == pid)
+                        return r;
+                }
+            }
+            return ProcessRecord{};
+        };
+        process("editor", 10, 500);
+        tree.write(QStringLiteral("proc/300/status"), uidLine(1000, 1000, 1000));
+        EXPECT_EQ(row(300).user, QStringLiteral("alice"));
+        EXPECT_EQ(reader.keptFiles(), std::min<std::size_t>(limit, 2));
+
+        // The same process: new figures, but what it is stays as it was learnt.
+        tree.write(QStringLiteral("proc/300/status"), uidLine(0, 0, 0));
+        process("editor", 25, 500);
+        const ProcessRecord again = row(300);
+        EXPECT_EQ(again.cpuTicks, 25u);
+        EXPECT_EQ(again.user, QStringLiteral("alice"));
+
+        // Another program in the same process (a set-user-ID one), then another process under
+        // the same pid: each is looked at afresh.
+        process("sudo", 25, 500);
+        const ProcessRecord changed = row(300);
+        EXPECT_EQ(changed.name, QStringLiteral("sudo"));
+        EXPECT_EQ(changed.user, QStringLiteral("root"));
+        tree.write(QStringLiteral("proc/300/status"), uidLine(0, 1000, 1000));
+        process("sudo", 0, 900);
+        const ProcessRecord reused = row(300);
+        EXPECT_EQ(reused.startTime, 900u);
+        EXPECT_EQ(reused.user, QStringLiteral("alice"));
+        EXPECT_EQ(reused.realUser, QStringLiteral("root"));
+
+        // Closed at release, learnt facts kept; a process that has ended leaves its file.
+        reader.release();
+        EXPECT_EQ(reader.keptFiles(), 0u);
+        EXPECT_EQ(row(300).user, QStringLiteral("alice"));
+        tree.remove(QStringLiteral("proc/301"));
+        EXPECT_EQ(row(301).pid, 0);
+        EXPECT_EQ(reader.keptFiles(), std::min<std::size_t>(limit, 1));
+        tree.write(QStringLiteral("proc/301/stat"), statLine(301, "shell", 0, 400));
+        tree.write(QStringLiteral("proc/301/status"), uidLine(1000, 1000, 1000));
+    }
+}
+
+// On the live system: the stat files kept open take numbers from 1024 up where the limit on open
+// files allows, so the rest of the program (and anything still watching its files with
+// select(), which reaches no higher) keeps the low ones; a process that ends drops out.
+TEST(ProcfsProcessReaderTest, KeptFilesLeaveTheLowNumbersAndEndWithTheirProcess) {
+    QProcess sleeper;
+    sleeper.start(QStringLiteral("sleep"), {QStringLiteral("30")});
+    ASSERT_TRUE(sleeper.waitForStarted());
+    ProcfsProcessReader reader(QStringLiteral("/"));
+    const auto lists = [&](qint64 pid) {
+        const auto table = reader.readTable();
+        return table && std::any_of(table->processes.begin(), table->processes.end(),
+                                    [&](const ProcessRecord& r) { return r.pid == pid; });
+    };
+    EXPECT_TRUE(lists(sleeper.processId()));
+    EXPECT_GT(reader.keptFiles(), 0u);
+    EXPECT_LE(reader.keptFiles(), ProcfsProcessReader::keptFileLimit());
+    const int next = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+    EXPECT_GE(next, 0);
+    EXPECT_LT(next, 1024);
+    ::close(next);
+
+    sleeper.kill();
+    sleeper.waitForFinished();
+    EXPECT_FALSE(lists(sleeper.processId()));
 }

@@ -146,6 +146,7 @@ TEST_F(SwaySessionTest, TheApplicationInFrontIsNeverOffered) {
     processes->rows = {test::proc(foot->processId(), QStringLiteral("foot"), 0, hog, me),
                        test::proc(999999, QStringLiteral("hog"), 0, hog - 1, me)};
     platform.processes.reset(processes);
+    platform.readProcessesOffThread = false; // the table at once, on this thread
     SystemMetrics hub(std::move(platform));
     hub.setSensitivity(1);
     hub.refreshProcesses();
