@@ -70,11 +70,11 @@ QList<CleanupCandidate> selectCleanupCandidates(const std::vector<ProcInfo>& pro
     for (const ProcInfo& p : procs) {
         if (p.user != in.userName || p.id == in.ownPid)
             continue;
-        // The kernel lets the user signal a process only when the user is its real or saved
-        // user; one that merely acts as the user (a privileged program that took on the user's
-        // effective uid) could not be cut. Where the table does not tell, the owner decides.
-        const bool usersKnown = !p.realUser.isEmpty() || !p.savedUser.isEmpty();
-        if (usersKnown && p.realUser != in.userName && p.savedUser != in.userName)
+        // A cut signals only a process whose real and effective user are both the user's; one
+        // that merely acts as the user (a privileged program that took on the user's effective
+        // uid) is someone else's and could not be cut. Where the table does not tell the real
+        // user (the process-listing tool), the owner decides.
+        if (!p.realUser.isEmpty() && p.realUser != in.userName)
             continue;
         if (desktop.frontmostPID && p.id == *desktop.frontmostPID)
             continue;

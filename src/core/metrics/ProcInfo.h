@@ -21,11 +21,10 @@ public:
     double cpu = 0; // percent of one logical CPU; may exceed 100
     double rss = 0; // resident memory in bytes
     QString user;   // owner's user name
-    // The users of the process's real and saved uid, the ones the kernel lets send it a signal;
-    // empty where the process table does not tell (the process-listing tool). Initialised so that
-    // rows written field by field may leave them out.
+    // The user of the process's real uid; a cut needs it to be the user's as well as `user`.
+    // Empty where the process table does not tell (the process-listing tool). Initialised so
+    // that rows written field by field may leave it out.
     QString realUser = {};
-    QString savedUser = {};
 
     double rssMB() const { return rss * (1.0 / 1048576.0); }
 };

@@ -99,7 +99,6 @@ std::vector<ProcInfo> ProcessMonitor::fromTable(ProcessTable table) {
         row.rss = record.rssBytes;
         row.user = std::move(record.user);
         row.realUser = std::move(record.realUser);
-        row.savedUser = std::move(record.savedUser);
         rows.push_back(std::move(row));
     }
 

@@ -97,21 +97,18 @@ TEST(CandidateSelectionTest, NothingTheUserMayBeUsingIsOffered) {
     }
 }
 
-// The user's process by its effective uid alone is not offered: a cut could not signal it unless
-// the user is its real or saved user, as the kernel requires. A row that does not say (from the
-// process-listing tool) goes by its owner.
+// The user's process by its effective uid alone is not offered: its real user must be the
+// user's too, or a cut could not signal it. A row that does not say (from the process-listing
+// tool) goes by its owner.
 TEST(CandidateSelectionTest, OnlyProcessesTheUserMaySignalAreOffered) {
-    const auto row = [](qint64 pid, const QString& real, const QString& saved) {
+    const auto row = [](qint64 pid, const QString& real) {
         ProcInfo p = proc(pid, QStringLiteral("p%1").arg(pid), 0, 2 * GiB + double(pid));
         p.realUser = real;
-        p.savedUser = saved;
         return p;
     };
     Scene scene(0.5);
-    EXPECT_EQ(
-        scene.select({row(1, "root", "root"), row(2, "root", "alice"), row(3, "alice", "root"),
-                      row(4, "alice", "alice"), row(5, "", ""), row(6, "root", "")}),
-        QList<qint64>({5, 4, 3, 2}));
+    EXPECT_EQ(scene.select({row(1, "root"), row(2, "bob"), row(3, "alice"), row(4, "")}),
+              QList<qint64>({4, 3}));
 }
 
 // At s = 0.5, T = 32.5 minutes; with a window, 3 T = 97.5. Pid 30 is just inside every limit.

@@ -20,11 +20,9 @@ struct ProcessRecord {
     std::uint64_t cpuTicks = 0;  // user + system time used so far, in clock ticks
     std::uint64_t startTime = 0; // clock ticks after boot at which the process started
     double rssBytes = 0;         // resident memory
-    // The users of the real and saved uid, spelt as `user`: those whom the kernel lets signal the
-    // process. Empty where the table does not tell (initialised so that records written field by
-    // field may leave them out).
+    // The user of the real uid, spelt as `user`. Empty where the table does not tell
+    // (initialised so that records written field by field may leave it out).
     QString realUser = {};
-    QString savedUser = {};
 };
 
 // The whole table, with the clock facts needed to turn tick counts into percentages.

@@ -270,7 +270,6 @@ std::optional<ProcessRecord> ProcfsProcessReader::readProcess(qint64 pid,
     record.name = known.name;
     record.user = known.user;
     record.realUser = known.realUser;
-    record.savedUser = known.savedUser;
     record.cpuTicks = stat->cpuTicks;
     record.startTime = stat->startTime;
     record.rssBytes = static_cast<double>(stat->rssPages) * pageSize_;
@@ -308,7 +307,6 @@ bool ProcfsProcessReader::learn(KnownProcess& known, std::string_view pidText,
     }
     known.user = uids ? users_.nameOf(uids->effective) : QString();
     known.realUser = uids ? users_.nameOf(uids->real) : QString();
-    known.savedUser = uids && uids->saved ? users_.nameOf(*uids->saved) : QString();
     return true;
 }
 

@@ -53,7 +53,6 @@ private:
         QString name;
         QString user;
         QString realUser;
-        QString savedUser;
         std::uint64_t lastSeen = 0; // the table that listed it last
     };
 

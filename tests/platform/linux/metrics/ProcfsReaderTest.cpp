@@ -58,7 +58,6 @@ TEST(ProcfsProcessReaderTest, NamesTheKernelAllowsAndBrokenEntries) {
     EXPECT_EQ(web.rssBytes, 256.0 * static_cast<double>(::sysconf(_SC_PAGESIZE)));
     EXPECT_EQ(table.at(102).user, QStringLiteral("root")); // the effective uid, not the real one
     EXPECT_EQ(table.at(102).realUser, QStringLiteral("alice"));
-    EXPECT_EQ(table.at(102).savedUser, QStringLiteral("alice"));
     EXPECT_EQ(table.at(101).realUser, QStringLiteral("root"));
     EXPECT_EQ(table.at(107).user, QStringLiteral("4242")); // no name: the uid, as ps prints it
     EXPECT_EQ(table.at(108).user, QString());              // unreadable Uid line
