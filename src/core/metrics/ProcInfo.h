@@ -3,6 +3,7 @@
 #include <QMetaType>
 #include <QString>
 #include <cstdint>
+#include <optional>
 
 namespace quelmo {
 
@@ -21,6 +22,9 @@ public:
     double cpu = 0; // percent of one logical CPU; may exceed 100
     double rss = 0; // resident memory in bytes
     QString user;   // owner's user name
+    // When the process started, in kernel clock ticks after boot; with `id`, what tells this
+    // process from a later one given the same pid. Nothing when the table does not tell it.
+    std::optional<std::uint64_t> startTime;
 
     double rssMB() const { return rss * (1.0 / 1048576.0); }
 };

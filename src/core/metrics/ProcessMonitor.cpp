@@ -87,6 +87,7 @@ std::vector<ProcInfo> ProcessMonitor::fromTable(ProcessTable table) {
         row.cpu = cpu;
         row.rss = record.rssBytes;
         row.user = std::move(record.user);
+        row.startTime = record.startTime;
         rows.push_back(std::move(row));
     }
 

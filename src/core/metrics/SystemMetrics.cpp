@@ -178,10 +178,11 @@ SystemMetrics::computeCleanupCandidates(const std::vector<ProcInfo>& procs) cons
     return selectCleanupCandidates(procs, inputs);
 }
 
-int SystemMetrics::terminate(const QList<qint64>& pids) {
-    const int count =
-        requestTermination(pids, {desktop_.get(), signaller_.get(),
-                                  [this](qint64 pid) { return procMon_.startTimeOf(pid); }});
+int SystemMetrics::terminate(const QList<ProcessIdentity>& targets) {
+    const int count = requestTermination(targets, {desktop_.get(), signaller_.get()});
+    QList<qint64> pids;
+    for (const ProcessIdentity& target : targets)
+        pids.append(target.pid);
     for (const qint64 pid : pids)
         cuttingPIDs_.insert(pid);
     refreshProcesses();
