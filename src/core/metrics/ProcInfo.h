@@ -24,7 +24,7 @@ public:
     QString user;   // owner's user name
     // When the process started, in kernel clock ticks after boot; with `id`, what tells this
     // process from a later one given the same pid. Nothing when the table does not tell it.
-    std::optional<std::uint64_t> startTime;
+    std::optional<std::uint64_t> startTime{};
 
     double rssMB() const { return rss * (1.0 / 1048576.0); }
 };

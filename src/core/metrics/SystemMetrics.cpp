@@ -5,10 +5,10 @@
 #include "core/cleanup/CandidateSelection.h"
 #include "core/cleanup/Termination.h"
 #include "core/metrics/ChipInfo.h"
+#include "core/settings/SettingsFile.h"
 #include "core/settings/SettingsKeys.h"
 
 #include <QPointer>
-#include <QSettings>
 #include <QTimer>
 #include <algorithm>
 #include <cmath>
@@ -59,7 +59,7 @@ SystemMetrics::SystemMetrics(Platform platform, QObject* parent)
         [this] { aiStatus_ = advisor_->status(); }, Qt::SingleShotConnection);
 
     // A stored value that is not a finite number is ignored and left as it is.
-    const QVariant stored = QSettings().value(SettingsKeys::sensitivity);
+    const QVariant stored = SettingsFile::value(SettingsKeys::sensitivity);
     bool isNumber = false;
     const double storedSensitivity = stored.toDouble(&isNumber);
     if (stored.isValid() && isNumber && std::isfinite(storedSensitivity))
@@ -140,7 +140,7 @@ void SystemMetrics::refreshProcesses() {
 void SystemMetrics::setSensitivity(double value) {
     publish(sensitivity_, value, &SystemMetrics::sensitivityChanged);
     baseline_.setSensitivity(value);
-    QSettings().setValue(SettingsKeys::sensitivity, value);
+    SettingsFile::setValue(SettingsKeys::sensitivity, value);
 }
 
 void SystemMetrics::setTopCPU(QList<ProcInfo> rows) {
