@@ -30,6 +30,8 @@ void learnFrom(const QSettings& settings) {
         const QVariant stored = settings.value(name);
         if (stored.isValid())
             known().insert(name, stored);
+        else
+            known().remove(name);
     }
 }
 
