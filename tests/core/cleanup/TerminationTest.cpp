@@ -33,23 +33,4 @@ TEST(TerminationTest, OnlyTheChosenProcessIsAskedThroughItsWindowsOrBySignal) {
     EXPECT_TRUE(desktop.closeRequests.isEmpty());
 }
 
-// The process ends while its windows are being looked up and a newcomer takes its pid: the
-// newcomer's windows are not asked, and the signal that follows reaches nobody.
-TEST(TerminationTest, AProcessThatEndsDuringTheRequestTakesNobodyWithIt) {
-    struct HandOverDesktop : FakeDesktop {
-        FakeSignaller* machine = nullptr;
-        bool requestClose(ProcessHandle& process) override {
-            machine->running.insert(process.pid(), 9999); // ended; the pid is someone else's
-            return FakeDesktop::requestClose(process);
-        }
-    } desktop;
-    FakeSignaller signaller;
-    desktop.machine = &signaller;
-    desktop.withWindows = {100};
-    signaller.running = {{100, 1000}};
-    EXPECT_EQ(requestTermination({{100, 1000}}, {&desktop, &signaller}), 0);
-    EXPECT_TRUE(desktop.closeRequests.isEmpty());
-    EXPECT_TRUE(signaller.signalled.isEmpty());
-}
-
 } // namespace
