@@ -69,6 +69,17 @@ struct FixedProcesses : ProcessSource {
     }
 };
 
+// A handle on a pid that the test says is running or not; it records nothing by itself.
+struct FakeHandle : ProcessHandle {
+    qint64 id = 0;
+    std::function<bool()> running = [] { return true; };
+    std::function<bool()> send = [] { return true; };
+    explicit FakeHandle(qint64 pid) : id(pid) {}
+    qint64 pid() const override { return id; }
+    bool isRunning() override { return running(); }
+    bool sendTerminate() override { return send(); }
+};
+
 // A desktop whose snapshot and applications the test sets; it records every close request.
 struct FakeDesktop : DesktopSession {
     DesktopSnapshot desktop;
@@ -82,9 +93,11 @@ struct FakeDesktop : DesktopSession {
     }
     std::optional<QString> frontmostAppId() override { return std::nullopt; }
     void setActivationHandler(std::function<void(const QString&)>) override {}
-    bool requestClose(qint64 pid) override {
-        closeRequests << pid;
-        return withWindows.contains(pid);
+    bool requestClose(ProcessHandle& process) override {
+        if (!process.isRunning())
+            return false;
+        closeRequests << process.pid();
+        return withWindows.contains(process.pid());
     }
 };
 
@@ -95,24 +108,26 @@ struct FakeSystem : SystemInfo {
     bool thermalNominal() override { return nominal; }
 };
 
-// A handle opens only for a running pid with the very start time asked for.
+// The machine's process table as pid -> start time, which a test may change at any moment (a
+// process ends, another takes its pid). A handle opens only for a pid running with the very
+// start time asked for, and stays with that process: once the table no longer lists it, the
+// handle sees it ended and its signals reach nobody.
 struct FakeSignaller : ProcessSignaller {
     QHash<qint64, std::uint64_t> running; // pid -> start time
     QSet<qint64> ignoresSignals;
     QList<qint64> signalled;
 
-    struct Handle : ProcessHandle {
-        std::function<bool()> send;
-        bool sendTerminate() override { return send(); }
-    };
-    std::optional<std::uint64_t> startTimeNow(qint64 pid) override {
-        return running.contains(pid) ? std::optional(running.value(pid)) : std::nullopt;
-    }
     std::unique_ptr<ProcessHandle> open(qint64 pid, std::uint64_t startTime) override {
         if (!running.contains(pid) || running.value(pid) != startTime)
             return nullptr;
-        auto handle = std::make_unique<Handle>();
-        handle->send = [this, pid] {
+        auto handle = std::make_unique<FakeHandle>(pid);
+        const auto alive = [this, pid, startTime] {
+            return running.contains(pid) && running.value(pid) == startTime;
+        };
+        handle->running = alive;
+        handle->send = [this, pid, alive] {
+            if (!alive())
+                return false;
             signalled << pid;
             return !ignoresSignals.contains(pid);
         };
@@ -121,13 +136,15 @@ struct FakeSignaller : ProcessSignaller {
 };
 
 inline ProcInfo proc(qint64 id, const QString& name, double cpu, double rss,
-                     const QString& user = QStringLiteral("alice")) {
+                     const QString& user = QStringLiteral("alice"),
+                     std::optional<std::uint64_t> startTime = std::nullopt) {
     ProcInfo p;
     p.id = id;
     p.name = name;
     p.cpu = cpu;
     p.rss = rss;
     p.user = user;
+    p.startTime = startTime;
     return p;
 }
 

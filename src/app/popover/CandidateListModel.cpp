@@ -9,8 +9,9 @@ namespace rules = cleanup_rules;
 bool CandidateListModel::Row::operator==(const Row& other) const {
     const CleanupCandidate& a = candidate;
     const CleanupCandidate& b = other.candidate;
-    return a.proc.id == b.proc.id && a.proc.name == b.proc.name && a.proc.rss == b.proc.rss &&
-           a.reason == b.reason && a.idleMinutes == b.idleMinutes && a.hasWindow == b.hasWindow &&
+    return a.proc.id == b.proc.id && a.proc.startTime == b.proc.startTime &&
+           a.proc.name == b.proc.name && a.proc.rss == b.proc.rss && a.reason == b.reason &&
+           a.idleMinutes == b.idleMinutes && a.hasWindow == b.hasWindow &&
            a.displayName == b.displayName && verdict == other.verdict && korean == other.korean;
 }
 

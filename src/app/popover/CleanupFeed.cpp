@@ -13,15 +13,24 @@ bool effectiveIsKorean() {
 
 } // namespace
 
+CutSequence::Identify CleanupFeed::rowIdentity() const {
+    return [this](qint64 pid) {
+        const std::optional<ProcInfo> row = candidates_.procOf(pid);
+        return ProcessIdentity{pid, row ? row->startTime : std::nullopt};
+    };
+}
+
 CleanupFeed::CleanupFeed(CutSequence::Terminate terminate, QObject* parent)
-    : QObject(parent), candidates_(this), cut_(std::move(terminate), {}, this),
+    : QObject(parent), candidates_(this), cut_(std::move(terminate), rowIdentity(), {}, this),
       korean_(effectiveIsKorean()) {}
 
 CleanupFeed::CleanupFeed(SystemMetrics& hub, QObject* parent)
     : QObject(parent), hub_(&hub), candidates_(this),
-      cut_([hub = QPointer<SystemMetrics>(&hub)](
-               const QList<qint64>& pids) { hub ? void(hub->terminate(pids)) : void(); },
-           {}, this),
+      cut_(
+          [hub = QPointer<SystemMetrics>(&hub)](const QList<ProcessIdentity>& targets) {
+              hub ? void(hub->terminate(targets)) : void();
+          },
+          rowIdentity(), {}, this),
       captured_(hub.aiStatus()), sensitivity_(hub.sensitivity()), korean_(effectiveIsKorean()) {
     connect(&hub, &SystemMetrics::cleanupCandidatesChanged, this, &CleanupFeed::pullFromHub);
     connect(&hub, &SystemMetrics::aiVerdictsChanged, this, &CleanupFeed::pullFromHub);

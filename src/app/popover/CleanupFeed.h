@@ -58,6 +58,8 @@ signals:
 
 private:
     void pullFromHub();
+    // A cut takes each process as its row shows it at the press.
+    CutSequence::Identify rowIdentity() const;
 
     QPointer<SystemMetrics> hub_;
     CandidateListModel candidates_;

@@ -9,22 +9,23 @@ namespace quelmo {
 
 namespace rules = cleanup_rules;
 
-CutSequence::CutSequence(Terminate terminate, Schedule schedule, QObject* parent)
-    : QObject(parent), terminate_(std::move(terminate)), schedule_(std::move(schedule)) {
+CutSequence::CutSequence(Terminate terminate, Identify identify, Schedule schedule, QObject* parent)
+    : QObject(parent), terminate_(std::move(terminate)), identify_(std::move(identify)),
+      schedule_(std::move(schedule)) {
     if (!schedule_)
         schedule_ = [this](int delayMs, std::function<void()> step) {
             QTimer::singleShot(delayMs, this, std::move(step));
         };
 }
 
-void CutSequence::executeCut(const QList<qint64>& pids, std::optional<qint64> travelTo,
+void CutSequence::executeCut(const QList<ProcessIdentity>& targets, std::optional<qint64> travelTo,
                              const QHash<qint64, double>& rowYs) {
-    if (pids.isEmpty())
+    if (targets.isEmpty())
         return;
     const double distance = rules::travelDistance(rowYs, travelTo);
     if (!rules::hasJourney(distance)) {
         snip();
-        terminateWith(pids, 0.5, 0.85);
+        terminateWith(targets, 0.5, 0.85);
         return;
     }
     // The later steps go ahead even when another cut starts meanwhile; only the end of this
@@ -35,9 +36,9 @@ void CutSequence::executeCut(const QList<qint64>& pids, std::optional<qint64> tr
         if (self)
             self->snip();
     });
-    schedule_(terminateAtMs, [self, pids] {
+    schedule_(terminateAtMs, [self, targets] {
         if (self)
-            self->terminateWith(pids, 0.45, 0.85);
+            self->terminateWith(targets, 0.45, 0.85);
     });
     schedule_(returnAtMs, [self] {
         if (self)
@@ -47,9 +48,11 @@ void CutSequence::executeCut(const QList<qint64>& pids, std::optional<qint64> tr
 
 void CutSequence::cut(const QVariantList& pids, const QVariant& travelTo,
                       const QVariantMap& rowYs) {
-    QList<qint64> list;
-    for (const QVariant& pid : pids)
-        list.append(pid.toLongLong());
+    QList<ProcessIdentity> targets;
+    for (const QVariant& value : pids) {
+        const qint64 pid = value.toLongLong();
+        targets.append(identify_ ? identify_(pid) : ProcessIdentity{pid, std::nullopt});
+    }
     std::optional<qint64> target;
     if (travelTo.isValid() && !travelTo.isNull())
         target = travelTo.toLongLong();
@@ -60,7 +63,7 @@ void CutSequence::cut(const QVariantList& pids, const QVariant& travelTo,
         if (isNumber)
             ys.insert(key, it.value().toDouble());
     }
-    executeCut(list, target, ys);
+    executeCut(targets, target, ys);
 }
 
 void CutSequence::snip() {
@@ -76,14 +79,14 @@ void CutSequence::travel(double y, double response, double dampingFraction) {
     emit catTravelYChanged();
 }
 
-void CutSequence::terminateWith(const QList<qint64>& pids, double response,
+void CutSequence::terminateWith(const QList<ProcessIdentity>& targets, double response,
                                 double dampingFraction) {
     const rules::SpringParameters spring = rules::springFor(response, dampingFraction);
     listSpring_ = spring.spring;
     listDamping_ = spring.damping;
     emit listSpringChanged();
     if (terminate_)
-        terminate_(pids);
+        terminate_(targets);
 }
 
 } // namespace quelmo

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/cleanup/ProcessIdentity.h"
+
 #include <QHash>
 #include <QList>
 #include <QObject>
@@ -13,6 +15,10 @@ namespace quelmo {
 // asked to quit and the mascot walks back. Holds the two values the card's views animate:
 // `cutTrigger`, which grows by one per snip, and `catTravelY`, how far below its lane the mascot
 // is drawn, each with the spring its latest change should move with.
+//
+// Each process is taken as the row showed it when Cut was pressed (pid and start time), and that
+// identity is what is asked to quit once the mascot gets there, whatever the process table says
+// by then: a pid may have passed to another process in between.
 class CutSequence : public QObject {
     Q_OBJECT
     Q_PROPERTY(int cutTrigger READ cutTrigger NOTIFY cutTriggerChanged)
@@ -26,7 +32,10 @@ class CutSequence : public QObject {
 
 public:
     // Asks the listed processes to quit (the hub's terminate).
-    using Terminate = std::function<void(const QList<qint64>&)>;
+    using Terminate = std::function<void(const QList<ProcessIdentity>&)>;
+    // The process a row shows now for `pid`; without a row, the pid alone (which nothing will
+    // vouch for, so nothing is sent to it).
+    using Identify = std::function<ProcessIdentity(qint64 pid)>;
     // Runs `step` on the event loop `delayMs` from now; a timer on this object unless given.
     using Schedule = std::function<void(int delayMs, std::function<void()> step)>;
 
@@ -35,14 +44,16 @@ public:
     static constexpr int terminateAtMs = 400;
     static constexpr int returnAtMs = 850;
 
-    explicit CutSequence(Terminate terminate, Schedule schedule = {}, QObject* parent = nullptr);
+    CutSequence(Terminate terminate, Identify identify, Schedule schedule = {},
+                QObject* parent = nullptr);
 
-    // Cuts `pids`. With a `travelTo` row whose position is known in `rowYs` (pids and the lane's
+    // Cuts `targets`. With a `travelTo` row whose position is known in `rowYs` (pids and the lane's
     // key, in the card's coordinates) far enough below the lane, the mascot makes the journey;
     // otherwise it snips and the processes are asked to quit at once. Nothing for an empty list.
-    void executeCut(const QList<qint64>& pids, std::optional<qint64> travelTo,
+    void executeCut(const QList<ProcessIdentity>& targets, std::optional<qint64> travelTo,
                     const QHash<qint64, double>& rowYs);
-    // The same from QML: `travelTo` a pid or undefined, `rowYs` an object keyed by pid.
+    // The same from QML, at the press: `pids` become the processes their rows show now,
+    // `travelTo` a pid or undefined, `rowYs` an object keyed by pid.
     Q_INVOKABLE void cut(const QVariantList& pids, const QVariant& travelTo,
                          const QVariantMap& rowYs);
 
@@ -61,9 +72,11 @@ signals:
 private:
     void snip();
     void travel(double y, double response, double dampingFraction);
-    void terminateWith(const QList<qint64>& pids, double response, double dampingFraction);
+    void terminateWith(const QList<ProcessIdentity>& targets, double response,
+                       double dampingFraction);
 
     Terminate terminate_;
+    Identify identify_;
     Schedule schedule_;
     int cutTrigger_ = 0;
     double catTravelY_ = 0;

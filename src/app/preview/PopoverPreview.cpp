@@ -15,6 +15,7 @@
 #include <QQmlPropertyMap>
 #include <QQuickItem>
 #include <QQuickView>
+#include <algorithm>
 #include <cmath>
 
 namespace quelmo {
@@ -133,8 +134,11 @@ PopoverPreview::PopoverPreview(const PreviewState& state)
     const CleanupPreviewState cleanup = CleanupPreviewState::fromJson(state.extra);
     cleanup_ = std::make_unique<CleanupFeed>(
         [this, rows = cleanup.candidates,
-         verdicts = cleanup.verdicts](const QList<qint64>& pids) mutable {
-            rows.removeIf([&pids](const CleanupCandidate& c) { return pids.contains(c.id()); });
+         verdicts = cleanup.verdicts](const QList<ProcessIdentity>& targets) mutable {
+            rows.removeIf([&targets](const CleanupCandidate& c) {
+                return std::any_of(targets.begin(), targets.end(),
+                                   [&c](const ProcessIdentity& t) { return t.pid == c.id(); });
+            });
             cleanup_->setCandidates(rows, verdicts);
         });
     cleanup_->setAdvisorStatus(cleanup.live, cleanup.captured);

@@ -1,5 +1,6 @@
 #include "core/cleanup/BaselineEngine.h"
 
+#include "core/settings/SettingsFile.h"
 #include "core/settings/SettingsKeys.h"
 
 #include <QCoreApplication>
@@ -172,6 +173,9 @@ void BaselineEngine::load() {
 }
 
 void BaselineEngine::save() {
+    // The document has a file of its own; the other settings are put back with it if their
+    // file has gone.
+    SettingsFile::restoreIfLost();
     prune(store_, today_());
     // The copy shares the tables with the store until the next observation changes them.
     writer_->start([document = store_, key = defaultsKey_] {

@@ -4,6 +4,8 @@
 // process politely. Implemented over X11/EWMH and Wayland compositors under platform/linux;
 // faked in tests.
 
+#include "core/cleanup/ProcessSignaller.h"
+
 #include <QSet>
 #include <QString>
 #include <cstdint>
@@ -40,9 +42,11 @@ public:
     // Called on the main thread with the desktop-entry id of each newly activated application.
     virtual void setActivationHandler(std::function<void(const QString& appId)> handler) = 0;
 
-    // Asks every top-level window of the process to close through the window manager.
-    // True when at least one window was asked.
-    virtual bool requestClose(qint64 pid) = 0;
+    // Asks every top-level window of the pinned process to close through the window manager.
+    // The windows are matched by pid, so nothing is sent unless `process` is still running once
+    // they have been found: until it ends, no other process can hold its pid. True when at least
+    // one window was asked.
+    virtual bool requestClose(ProcessHandle& process) = 0;
 };
 
 } // namespace quelmo

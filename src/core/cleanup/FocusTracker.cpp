@@ -1,10 +1,10 @@
 #include "core/cleanup/FocusTracker.h"
 
 #include "core/cleanup/DesktopSession.h"
+#include "core/settings/SettingsFile.h"
 #include "core/settings/SettingsKeys.h"
 
 #include <QDateTime>
-#include <QSettings>
 #include <QVariantMap>
 #include <algorithm>
 #include <cmath>
@@ -79,11 +79,19 @@ std::optional<QHash<QString, double>> FocusTracker::decodeHistory(const QVariant
 }
 
 void FocusTracker::History::load() {
-    auto stored = decodeHistory(QSettings().value(QLatin1String(SettingsKeys::focusLastActive)));
+    auto stored = decodeHistory(SettingsFile::value(SettingsKeys::focusLastActive));
     if (!stored)
         return;
     lastActive = std::move(*stored);
     trim();
+}
+
+void FocusTracker::History::merge(const QHash<QString, double>& other) {
+    for (auto it = other.constBegin(); it != other.constEnd(); ++it) {
+        const auto ours = lastActive.constFind(it.key());
+        if (ours == lastActive.constEnd() || *ours < *it)
+            lastActive.insert(it.key(), *it);
+    }
 }
 
 void FocusTracker::History::trim() {
@@ -101,11 +109,15 @@ void FocusTracker::History::trim() {
 }
 
 void FocusTracker::History::save() {
+    // Another instance of the user's (another seat, a remote session) may have stored its own
+    // activations since: both are kept, the later time of each application winning.
+    if (const auto stored = decodeHistory(SettingsFile::value(SettingsKeys::focusLastActive)))
+        merge(*stored);
     trim();
     QVariantMap map;
     for (auto it = lastActive.constBegin(); it != lastActive.constEnd(); ++it)
         map.insert(it.key(), *it);
-    QSettings().setValue(QLatin1String(SettingsKeys::focusLastActive), map);
+    SettingsFile::setValue(SettingsKeys::focusLastActive, map);
 }
 
 } // namespace quelmo

@@ -13,8 +13,9 @@ class DesktopSession;
 // When each application was last brought to the front, by desktop-entry id, kept across runs
 // under "quelmo.focus.lastActive.v1". Applications without an id are never recorded. The history
 // keeps the `maxEntries` applications brought to the front most recently; older ones are dropped
-// when it is loaded or saved. Without a desktop session there is no focus data beyond what was
-// stored.
+// when it is loaded or saved. Each save merges what is stored by then (another instance of the
+// same user may share the settings): the later time of each application wins. Without a desktop
+// session there is no focus data beyond what was stored.
 class FocusTracker {
 public:
     static constexpr qsizetype maxEntries = 1000;
@@ -43,6 +44,7 @@ private:
     struct History {
         QHash<QString, double> lastActive; // seconds since 1970-01-01 UTC
         void trim();
+        void merge(const QHash<QString, double>& other); // the later time of each id wins
         void load();
         void save();
     };

@@ -3,6 +3,7 @@
 #include <QMetaType>
 #include <QString>
 #include <cstdint>
+#include <optional>
 
 namespace quelmo {
 
@@ -25,6 +26,9 @@ public:
     // Empty where the process table does not tell (the process-listing tool). Initialised so
     // that rows written field by field may leave it out.
     QString realUser = {};
+    // When the process started, in kernel clock ticks after boot; with `id`, what tells this
+    // process from a later one given the same pid. Nothing when the table does not tell it.
+    std::optional<std::uint64_t> startTime{};
 
     double rssMB() const { return rss * (1.0 / 1048576.0); }
 };

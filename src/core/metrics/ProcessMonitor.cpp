@@ -99,6 +99,7 @@ std::vector<ProcInfo> ProcessMonitor::fromTable(ProcessTable table) {
         row.rss = record.rssBytes;
         row.user = std::move(record.user);
         row.realUser = std::move(record.realUser);
+        row.startTime = record.startTime;
         rows.push_back(std::move(row));
     }
 

@@ -43,8 +43,9 @@ public:
     // The rows of a reading, measured against the readings taken before it.
     std::vector<ProcInfo> take(ProcessScan scan);
 
-    // The start time (kernel clock ticks since boot) of `pid` as of the last snapshot; used to
-    // make sure a signal only ever reaches the process that was listed.
+    // The start time (kernel clock ticks since boot) of `pid` as of the last snapshot. A cut
+    // takes the start time from the row the user chose, never from here: by the time it is
+    // carried out, the pid may belong to another process.
     std::optional<std::uint64_t> startTimeOf(qint64 pid) const;
 
     // Average CPU use over the process's whole life, rounded as procps `ps` rounds its %cpu:

@@ -4,10 +4,10 @@
 #include "core/cleanup/CandidateSelection.h"
 #include "core/cleanup/Termination.h"
 #include "core/metrics/ChipInfo.h"
+#include "core/settings/SettingsFile.h"
 #include "core/settings/SettingsKeys.h"
 
 #include <QPointer>
-#include <QSettings>
 #include <QTimer>
 #include <algorithm>
 #include <cmath>
@@ -74,7 +74,7 @@ SystemMetrics::SystemMetrics(Platform platform, QObject* parent)
         [this] { aiStatus_ = advisor_->status(); }, Qt::SingleShotConnection);
 
     // A stored value that is not a finite number is ignored and left as it is.
-    const QVariant stored = QSettings().value(SettingsKeys::sensitivity);
+    const QVariant stored = SettingsFile::value(SettingsKeys::sensitivity);
     bool isNumber = false;
     const double storedSensitivity = stored.toDouble(&isNumber);
     if (stored.isValid() && isNumber && std::isfinite(storedSensitivity))
@@ -193,7 +193,7 @@ void SystemMetrics::publishProcesses(const std::vector<ProcInfo>& snapshot) {
 void SystemMetrics::setSensitivity(double value) {
     publish(sensitivity_, value, &SystemMetrics::sensitivityChanged);
     baseline_.setSensitivity(value);
-    QSettings().setValue(SettingsKeys::sensitivity, value);
+    SettingsFile::setValue(SettingsKeys::sensitivity, value);
 }
 
 void SystemMetrics::setTopCPU(QList<ProcInfo> rows) {
@@ -231,10 +231,11 @@ SystemMetrics::computeCleanupCandidates(const std::vector<ProcInfo>& procs) cons
     return selectCleanupCandidates(procs, inputs);
 }
 
-int SystemMetrics::terminate(const QList<qint64>& pids) {
-    const int count =
-        requestTermination(pids, {desktop_.get(), signaller_.get(),
-                                  [this](qint64 pid) { return procMon_.startTimeOf(pid); }});
+int SystemMetrics::terminate(const QList<ProcessIdentity>& targets) {
+    const int count = requestTermination(targets, {desktop_.get(), signaller_.get()});
+    QList<qint64> pids;
+    for (const ProcessIdentity& target : targets)
+        pids.append(target.pid);
     for (const qint64 pid : pids) {
         cuttingPIDs_.insert(pid);
         releasedAfter_.remove(pid);

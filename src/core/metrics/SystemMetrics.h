@@ -7,6 +7,7 @@
 #include "core/cleanup/BaselineEngine.h"
 #include "core/cleanup/CleanupCandidate.h"
 #include "core/cleanup/FocusTracker.h"
+#include "core/cleanup/ProcessIdentity.h"
 #include "core/metrics/CPUMonitor.h"
 #include "core/metrics/GPUMonitor.h"
 #include "core/metrics/MemoryMonitor.h"
@@ -61,7 +62,8 @@ public:
     void reevaluateAI();
     // Stores the statistics gathered since the last save; called when the program ends.
     void savePending();
-    int terminate(const QList<qint64>& pids);
+    // Asks the processes the user chose to end; each is known by the identity its row showed.
+    int terminate(const QList<ProcessIdentity>& targets);
 
     // Published readings.
     double cpuTotal() const { return cpuTotal_; }

@@ -1,15 +1,14 @@
 #include "core/settings/Preferences.h"
 
+#include "core/settings/SettingsFile.h"
 #include "core/settings/SettingsKeys.h"
-
-#include <QSettings>
 
 namespace quelmo::Preferences {
 
 namespace {
 
 QString storedText(const char* key, const char* fallback) {
-    const QVariant value = QSettings().value(QLatin1String(key));
+    const QVariant value = SettingsFile::value(key);
     if (value.metaType().id() != QMetaType::QString)
         return QString::fromLatin1(fallback);
     return value.toString();
@@ -22,7 +21,7 @@ QString langRaw() {
 }
 
 void setLangRaw(const QString& raw) {
-    QSettings().setValue(QLatin1String(SettingsKeys::lang), raw);
+    SettingsFile::setValue(SettingsKeys::lang, raw);
 }
 
 QString catStyleRaw() {
@@ -30,7 +29,7 @@ QString catStyleRaw() {
 }
 
 void setCatStyleRaw(const QString& raw) {
-    QSettings().setValue(QLatin1String(SettingsKeys::catStyle), raw);
+    SettingsFile::setValue(SettingsKeys::catStyle, raw);
 }
 
 QString advisorModel() {

@@ -28,14 +28,27 @@ struct ManualClock {
 
 const QHash<qint64, double> rows{{-1, 40}, {7, 62}, {8, 131}};
 
+// Each row's process, as the card would tell it: pid n started at tick 1000 + n.
+ProcessIdentity listed(qint64 pid) {
+    return {pid, 1000 + static_cast<std::uint64_t>(pid)};
+}
+QList<ProcessIdentity> listedAll(std::initializer_list<qint64> pids) {
+    QList<ProcessIdentity> identities;
+    for (const qint64 pid : pids)
+        identities.append(listed(pid));
+    return identities;
+}
+using Cuts = QList<QList<ProcessIdentity>>;
+
 } // namespace
 
 TEST(CutSequenceTest, JourneyToTheRowThenSnipThenQuitThenBack) {
     ManualClock clock;
-    QList<QList<qint64>> terminated;
-    CutSequence cut([&](const QList<qint64>& pids) { terminated.append(pids); }, clock.schedule());
+    Cuts terminated;
+    CutSequence cut([&](const QList<ProcessIdentity>& targets) { terminated.append(targets); },
+                    listed, clock.schedule());
 
-    cut.executeCut({8}, 8, rows);
+    cut.executeCut(listedAll({8}), 8, rows);
     EXPECT_EQ(cut.catTravelY(), 131 - 40 - 22);
     EXPECT_EQ(cut.cutTrigger(), 0);
     const double goingSpring = cut.travelSpring();
@@ -46,7 +59,7 @@ TEST(CutSequenceTest, JourneyToTheRowThenSnipThenQuitThenBack) {
     EXPECT_EQ(cut.cutTrigger(), 1);
     EXPECT_TRUE(terminated.isEmpty());
     clock.runUntil(CutSequence::terminateAtMs);
-    EXPECT_EQ(terminated, (QList<QList<qint64>>{{8}}));
+    EXPECT_EQ(terminated, Cuts{listedAll({8})});
     EXPECT_EQ(cut.catTravelY(), 69);
     clock.runUntil(CutSequence::returnAtMs);
     EXPECT_EQ(cut.catTravelY(), 0);
@@ -58,14 +71,15 @@ TEST(CutSequenceTest, JourneyToTheRowThenSnipThenQuitThenBack) {
 // quit request come at once, with nothing left for later.
 TEST(CutSequenceTest, NoJourneyCutsAtOnce) {
     ManualClock clock;
-    QList<QList<qint64>> terminated;
-    CutSequence cut([&](const QList<qint64>& pids) { terminated.append(pids); }, clock.schedule());
+    Cuts terminated;
+    CutSequence cut([&](const QList<ProcessIdentity>& targets) { terminated.append(targets); },
+                    listed, clock.schedule());
 
-    cut.executeCut({7}, 7, rows);
-    cut.executeCut({9}, 9, rows);
-    cut.executeCut({7, 8, 9}, std::nullopt, rows);
+    cut.executeCut(listedAll({7}), 7, rows);
+    cut.executeCut(listedAll({9}), 9, rows);
+    cut.executeCut(listedAll({7, 8, 9}), std::nullopt, rows);
     EXPECT_EQ(cut.cutTrigger(), 3);
-    EXPECT_EQ(terminated, (QList<QList<qint64>>{{7}, {9}, {7, 8, 9}}));
+    EXPECT_EQ(terminated, (Cuts{listedAll({7}), listedAll({9}), listedAll({7, 8, 9})}));
     EXPECT_EQ(cut.catTravelY(), 0);
     EXPECT_TRUE(clock.pending.empty());
 
@@ -74,15 +88,26 @@ TEST(CutSequenceTest, NoJourneyCutsAtOnce) {
     EXPECT_EQ(terminated.size(), 3);
 }
 
-// The QML entry point: pids and positions as QML hands them over.
-TEST(CutSequenceTest, TakesQmlValues) {
+// The QML entry point: pids and positions as QML hands them over. Each pid becomes the process
+// its row shows at the press, and that process is what is asked to quit at the end of the
+// journey, even if by then the row (and the pid) belong to a process started later.
+TEST(CutSequenceTest, TakesQmlValuesAndKeepsTheProcessesOfThePress) {
     ManualClock clock;
-    QList<QList<qint64>> terminated;
-    CutSequence cut([&](const QList<qint64>& pids) { terminated.append(pids); }, clock.schedule());
+    Cuts terminated;
+    QHash<qint64, ProcessIdentity> shown{{8, {8, 1008}}, {3, {3, 1003}}};
+    CutSequence cut([&](const QList<ProcessIdentity>& targets) { terminated.append(targets); },
+                    [&](qint64 pid) {
+                        return shown.value(pid, {pid, std::nullopt});
+                    },
+                    clock.schedule());
     cut.cut({QVariant(8)}, QVariant(8.0), {{"-1", 40.0}, {"8", 131.0}});
     EXPECT_EQ(cut.catTravelY(), 69);
-    cut.cut({QVariant(3), QVariant(4)}, QVariant(), {});
-    EXPECT_EQ(terminated, (QList<QList<qint64>>{{3, 4}}));
+    shown[8] = {8, 5555}; // a tick: pid 8 is now another process
+    clock.runUntil(CutSequence::returnAtMs);
+    EXPECT_EQ(terminated, (Cuts{{{8, 1008}}}));
+
+    cut.cut({QVariant(3), QVariant(4)}, QVariant(), {}); // 4 has no row: its pid alone
+    EXPECT_EQ(terminated.last(), (QList<ProcessIdentity>{{3, 1003}, {4, std::nullopt}}));
 }
 
 // Steps that come due after the sequence is gone do nothing.
@@ -90,8 +115,9 @@ TEST(CutSequenceTest, LaterStepsOutliveNothing) {
     ManualClock clock;
     int terminations = 0;
     {
-        CutSequence cut([&](const QList<qint64>&) { ++terminations; }, clock.schedule());
-        cut.executeCut({8}, 8, rows);
+        CutSequence cut([&](const QList<ProcessIdentity>&) { ++terminations; }, listed,
+                        clock.schedule());
+        cut.executeCut(listedAll({8}), 8, rows);
     }
     clock.runUntil(CutSequence::returnAtMs);
     EXPECT_EQ(terminations, 0);

@@ -108,7 +108,7 @@ TEST(SystemMetricsTest, TicksPublishInOrderAndRatesWaitForASecondSample) {
     EXPECT_DOUBLE_EQ(m.aneLoad(), 1.0);
 }
 
-// The kernel's process table with start times, so that the hub can vouch for each pid it signals.
+// The kernel's process table with start times.
 struct ListedProcesses : FixedProcesses {
     std::optional<ProcessTable> readTable() override {
         ++snapshots;
@@ -123,11 +123,11 @@ TEST(SystemMetricsTest, CutProcessesStayHiddenForTheHoldAndLongerOnceThePopoverH
     HubOnFakes fakes;
     delete std::exchange(fakes.processes, new ListedProcesses);
     SystemMetrics& hub = fakes.build();
-    hub.refreshProcesses(); // the hub now knows each pid's start time
+    hub.refreshProcesses();
     fakes.signaller->running = {{101, 1010}};
 
     hub.setPollProcesses(true);
-    EXPECT_EQ(hub.terminate({101, 102}), 1); // 102 has gone
+    EXPECT_EQ(hub.terminate({{101, 1010}, {102, 1020}}), 1); // 102 has gone
     EXPECT_EQ(fakes.signaller->signalled, QList<qint64>({101}));
     EXPECT_EQ(hub.cuttingPIDs(), QSet<qint64>({101, 102}));
     EXPECT_EQ(fakes.processes->snapshots, 2); // refreshed at once...
@@ -138,7 +138,7 @@ TEST(SystemMetricsTest, CutProcessesStayHiddenForTheHoldAndLongerOnceThePopoverH
     EXPECT_EQ(fakes.processes->snapshots, 3); // ...and again when the hold ends
 
     // With the popover closed by then the rows stay hidden and nothing more is read.
-    hub.terminate({101});
+    hub.terminate({{101, 1010}});
     hub.setPollProcesses(false);
     fakes.runDelayed();
     EXPECT_EQ(hub.cuttingPIDs(), QSet<qint64>({101}));
@@ -181,7 +181,7 @@ TEST(SystemMetricsTest, BaselinesLearnOnlyFromFreshFiguresAndACutLeavesTheOtherR
     ASSERT_EQ(ids(hub.cleanupCandidates()), QList<qint64>({300}));
 
     table->advance(0.3);
-    hub.terminate({302});
+    hub.terminate({{302, 30}});
     EXPECT_EQ(ids(hub.cleanupCandidates()), QList<qint64>({300}));
     EXPECT_DOUBLE_EQ(hub.topCPU().front().cpu, 50.0);
 
@@ -213,7 +213,7 @@ TEST(SystemMetricsTest, SelectionSeesTheHubsReadingsHistoryBaselinesAndCuts) {
     fakes.desktop->apps.insert(50, {"notes", QStringLiteral("Notes")});
     SystemMetrics& hub = fakes.build();
     hub.setSensitivity(0.5);
-    hub.terminate({61});
+    hub.terminate({{61, std::nullopt}});
     const std::vector<ProcInfo> rows = {proc(50, "notes", 0, 500 * MiB),
                                         proc(60, "hog", 0, 2 * GiB), proc(61, "cut", 0, 2 * GiB),
                                         proc(62, "theirs", 0, 2 * GiB, "root")};
@@ -285,7 +285,7 @@ TEST(SystemMetricsTest, TablesReadOffThreadArriveInOrderAndAStaleOneKeepsACutRow
     EXPECT_EQ(published.takeFirst(), QList<qint64>({101, 100}));
 
     hub.update();                       // the tick asks for the second table...
-    EXPECT_EQ(hub.terminate({101}), 1); // ...the cut for one more, folded into a third
+    EXPECT_EQ(hub.terminate({{101, 101}}), 1); // ...the cut for one more, folded into a third
     EXPECT_EQ(published.takeFirst(), QList<qint64>({100})); // the row goes at once
     fakes.runDelayed(); // the hold ends before the second table has arrived
     ASSERT_TRUE(spinUntil([&] { return tables->reads == 3 && published.size() == 2; }));

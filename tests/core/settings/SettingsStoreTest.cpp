@@ -3,6 +3,7 @@
 #include "core/metrics/SystemMetrics.h"
 #include "core/settings/Preferences.h"
 #include "core/settings/SettingsKeys.h"
+#include "support/FakePlatform.h"
 #include "support/TempSettings.h"
 
 #include <QDir>
@@ -112,6 +113,94 @@ TEST(SettingsStoreTest, AStoredSensitivityThatIsNotAFiniteNumberLeavesTheDefault
                           QByteArray::number(value, 'g', 17) + "\n");
         EXPECT_DOUBLE_EQ(SystemMetrics{Platform{}}.sensitivity(), value) << value;
     }
+}
+
+} // namespace
+
+namespace {
+
+// A desktop that lets the test bring applications to the front.
+struct ActivatingDesktop : test::FakeDesktop {
+    std::function<void(const QString&)> activated;
+    void setActivationHandler(std::function<void(const QString&)> handler) override {
+        activated = std::move(handler);
+    }
+};
+
+QVariantMap storedHistory() {
+    return QSettings().value(SettingsKeys::focusLastActive).toMap();
+}
+
+// Two sessions of one user share the settings: each save keeps the other's applications, the
+// later time of an application wins, and the history stays within its bound.
+TEST(SettingsStoreTest, FocusHistoriesOfTwoSessionsMergeOnEverySave) {
+    test::TempSettings::clear();
+    ActivatingDesktop seatOne, seatTwo;
+    FocusTracker one(&seatOne), two(&seatTwo); // both loaded the same, empty history
+    seatOne.activated("mail");
+    seatTwo.activated("notes");
+    seatOne.activated("editor");
+    EXPECT_EQ(QSet<QString>(storedHistory().keyBegin(), storedHistory().keyEnd()),
+              (QSet<QString>{"mail", "notes", "editor"}));
+
+    // The other session used the mail later than this one: its time stays, here too.
+    const double later = FocusTracker::nowSeconds() + 3600;
+    QVariantMap history = storedHistory();
+    history.insert("mail", later);
+    QSettings().setValue(SettingsKeys::focusLastActive, history);
+    seatTwo.activated("mail");
+    EXPECT_EQ(storedHistory().value("mail").toDouble(), later);
+    seatTwo.activated("notes");
+    EXPECT_EQ(two.lastActiveSeconds("mail"), later);
+
+    // A full history on disk and one new application: the oldest goes, the newest stays.
+    history.clear();
+    for (qsizetype i = 0; i < FocusTracker::maxEntries; ++i)
+        history.insert(QStringLiteral("app-%1").arg(i), 1.7e9 + static_cast<double>(i));
+    QSettings().setValue(SettingsKeys::focusLastActive, history);
+    seatOne.activated("terminal");
+    const QVariantMap stored = storedHistory();
+    EXPECT_EQ(stored.size(), FocusTracker::maxEntries);
+    EXPECT_TRUE(stored.contains("terminal") && stored.contains("app-999"));
+    EXPECT_FALSE(stored.contains("app-0"));
+}
+
+// The settings folder is deleted while the program runs: whichever save comes next, every
+// setting is written again.
+TEST(SettingsStoreTest, ASaveAfterTheFolderWasDeletedWritesEverySettingAgain) {
+    test::TempSettings::clear();
+    SystemMetrics hub{Platform{}};
+    ActivatingDesktop desktop;
+    FocusTracker tracker(&desktop);
+    BaselineEngine engine(baselinesKey);
+    hub.setSensitivity(0.8);
+    Preferences::setLangRaw("ko");
+    Preferences::setCatStyleRaw("cheese");
+    desktop.activated("mail");
+    const QString folder = QFileInfo(QSettings().fileName()).absolutePath();
+    const auto expectEverySetting = [](const char* after) {
+        const QByteArray text = settingsFileText();
+        for (const char* line : {"quelmo.lang=ko", "nuvex.sensitivity=0.8"})
+            EXPECT_TRUE(text.contains(line)) << line << " after " << after;
+        EXPECT_TRUE(storedHistory().contains("mail")) << "after " << after;
+    };
+
+    ASSERT_TRUE(QDir(folder).removeRecursively());
+    Preferences::setCatStyleRaw("black");
+    expectEverySetting("a preference");
+    EXPECT_TRUE(settingsFileText().contains("quelmo.catStyle=black"));
+
+    ASSERT_TRUE(QDir(folder).removeRecursively());
+    desktop.activated("notes");
+    expectEverySetting("an activation");
+    EXPECT_TRUE(settingsFileText().contains("quelmo.catStyle=black"));
+
+    ASSERT_TRUE(QDir(folder).removeRecursively());
+    for (int i = 0; i < 30; ++i) // the 30th observation stores the baselines
+        engine.observe({ProcInfo{1, "mail", 12.0, 0, "alice"}});
+    engine.waitForWrites();
+    expectEverySetting("the baselines");
+    EXPECT_TRUE(BaselineEngine::openStore()->contains(baselinesKey));
 }
 
 } // namespace

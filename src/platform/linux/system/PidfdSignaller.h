@@ -14,7 +14,6 @@ class PidfdSignaller final : public ProcessSignaller {
 public:
     explicit PidfdSignaller(QString root);
     std::unique_ptr<ProcessHandle> open(qint64 pid, std::uint64_t startTime) override;
-    std::optional<std::uint64_t> startTimeNow(qint64 pid) override;
 
 private:
     QString root_;

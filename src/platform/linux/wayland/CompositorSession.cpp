@@ -123,12 +123,16 @@ void CompositorSession::onFocus(const CompositorWindow& window) {
     }
 }
 
-bool CompositorSession::requestClose(qint64 pid) {
+bool CompositorSession::requestClose(ProcessHandle& process) {
+    const qint64 pid = process.pid();
     if (pid <= 0)
         return false;
     bool asked = false;
     resolved_.reset(); // a window opened a moment ago must be asked too
     const std::vector<CompositorWindow> windows = resolvedWindows(); // closing may change them
+    // Windows are known by pid only: if the process ended meanwhile, they may be another's.
+    if (!process.isRunning())
+        return false;
     for (const CompositorWindow& window : windows) {
         // A window that may be another instance's is left open: the process gets SIGTERM.
         if (window.pid == pid && !sharedWindows_.contains(window.handle))

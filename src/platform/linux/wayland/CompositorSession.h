@@ -33,7 +33,7 @@ public:
     std::optional<AppRecord> application(qint64 pid) override;
     std::optional<QString> frontmostAppId() override;
     void setActivationHandler(std::function<void(const QString& appId)> handler) override;
-    bool requestClose(qint64 pid) override;
+    bool requestClose(ProcessHandle& process) override;
 
 private:
     // The compositor's windows, each with its process: a window the compositor names no process

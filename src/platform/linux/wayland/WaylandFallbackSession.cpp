@@ -36,8 +36,8 @@ void WaylandFallbackSession::setActivationHandler(std::function<void(const QStri
         xwayland_->setActivationHandler(std::move(handler));
 }
 
-bool WaylandFallbackSession::requestClose(qint64 pid) {
-    return xwayland_ && xwayland_->requestClose(pid);
+bool WaylandFallbackSession::requestClose(ProcessHandle& process) {
+    return xwayland_ && xwayland_->requestClose(process);
 }
 
 } // namespace quelmo::linux_platform

@@ -25,7 +25,7 @@ public:
     std::optional<AppRecord> application(qint64 pid) override;
     std::optional<QString> frontmostAppId() override;
     void setActivationHandler(std::function<void(const QString& appId)> handler) override;
-    bool requestClose(qint64 pid) override;
+    bool requestClose(ProcessHandle& process) override;
 
 private:
     std::unique_ptr<DesktopSession> xwayland_;

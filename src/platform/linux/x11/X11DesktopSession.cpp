@@ -188,14 +188,18 @@ void X11DesktopSession::setActivationHandler(std::function<void(const QString&)>
     activationHandler_ = std::move(handler);
 }
 
-bool X11DesktopSession::requestClose(qint64 pid) {
+bool X11DesktopSession::requestClose(ProcessHandle& process) {
+    const qint64 pid = process.pid();
     if (pid <= 0 || x_->broken())
         return false;
     // Always read afresh: a window opened a moment ago must be asked too.
     ownersThisPass_.reset();
-    const std::vector<xcb_window_t> own = windowsOf(windowOwners(), pid);
+    std::vector<xcb_window_t> own = windowsOf(windowOwners(), pid);
     if (!own.empty()) {
         const xcb_timestamp_t now = serverTime();
+        // Windows are known by pid only: if the process ended meanwhile, they may be another's.
+        if (!process.isRunning())
+            own.clear();
         for (const xcb_window_t window : own)
             xcb_ewmh_request_close_window(&x_->ewmh(), x_->screenNumber(), window, now,
                                           onUsersBehalf);

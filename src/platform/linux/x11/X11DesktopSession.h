@@ -41,7 +41,7 @@ public:
     std::optional<AppRecord> application(qint64 pid) override;
     std::optional<QString> frontmostAppId() override;
     void setActivationHandler(std::function<void(const QString& appId)> handler) override;
-    bool requestClose(qint64 pid) override;
+    bool requestClose(ProcessHandle& process) override;
 
 private:
     // What a process was found to be. A found id holds for the life of the process; "no id" is

@@ -7,6 +7,7 @@
 #include "platform/linux/wayland/CompositorRules.h"
 #include "platform/linux/wayland/EntryProcesses.h"
 #include "platform/linux/wayland/I3IpcProtocol.h"
+#include "support/FakePlatform.h"
 #include "support/FixtureTree.h"
 
 #include <QFile>
@@ -210,8 +211,14 @@ TEST(CompositorSession, ActivationsNamesAndPoliteCloseGoThroughTheCompositor) {
     EXPECT_EQ(session.snapshot().frontmostPID, std::optional<qint64>(10));
     EXPECT_EQ(session.frontmostAppId(), std::optional<QString>(QStringLiteral("foot")));
 
-    EXPECT_TRUE(session.requestClose(10)); // every window of the process is asked
-    EXPECT_FALSE(session.requestClose(77));
+    test::FakeHandle ended(10); // the pinned process has ended: its pid may be another's
+    ended.running = [] { return false; };
+    EXPECT_FALSE(session.requestClose(ended));
+    EXPECT_TRUE(compositor->closed.isEmpty());
+    test::FakeHandle terminal(10);
+    EXPECT_TRUE(session.requestClose(terminal)); // every window of the process is asked
+    test::FakeHandle windowless(77);
+    EXPECT_FALSE(session.requestClose(windowless));
     EXPECT_EQ(compositor->closed, (QStringList{"1", "2"}));
 }
 

@@ -178,7 +178,8 @@ TEST_F(SwaySessionTest, ForeignToplevelsFindTheirProcessesThroughDesktopEntries)
     const auto editor = toplevels.application(mousepad->processId());
     EXPECT_EQ(editor ? editor->appId : QString(), QStringLiteral("org.xfce.mousepad"));
 
-    ASSERT_TRUE(toplevels.requestClose(mousepad->processId()));
+    test::FakeHandle editorProcess(mousepad->processId());
+    ASSERT_TRUE(toplevels.requestClose(editorProcess));
     ASSERT_TRUE(mousepad->waitForFinished(5000));
     EXPECT_EQ(mousepad->exitStatus(), QProcess::NormalExit);
     EXPECT_EQ(foot->state(), QProcess::Running); // only the editor was asked
@@ -186,8 +187,10 @@ TEST_F(SwaySessionTest, ForeignToplevelsFindTheirProcessesThroughDesktopEntries)
 
 // Runs last: the terminal is asked to close through the compositor, and it quits by itself.
 TEST_F(SwaySessionTest, ZClosingAsksTheApplicationToQuit) {
-    EXPECT_FALSE(session->requestClose(999999)); // no windows: nothing to ask
-    ASSERT_TRUE(session->requestClose(foot->processId()));
+    test::FakeHandle nobody(999999);
+    EXPECT_FALSE(session->requestClose(nobody)); // no windows: nothing to ask
+    test::FakeHandle terminal(foot->processId());
+    ASSERT_TRUE(session->requestClose(terminal));
     ASSERT_TRUE(foot->waitForFinished(5000));
     EXPECT_EQ(foot->exitStatus(), QProcess::NormalExit); // not ended by a signal
     EXPECT_TRUE(

@@ -88,7 +88,7 @@ TEST(WaylandFallback, KeepsWhatXwaylandShowsAndAddsTheUnseenApplications) {
         std::optional<AppRecord> application(qint64) override { return AppRecord{"xterm", {}}; }
         std::optional<QString> frontmostAppId() override { return QStringLiteral("xterm"); }
         void setActivationHandler(std::function<void(const QString&)>) override {}
-        bool requestClose(qint64 pid) override { return pid == 7; }
+        bool requestClose(ProcessHandle& process) override { return process.pid() == 7; }
     };
     Machine m;
     populate(m);
@@ -96,13 +96,15 @@ TEST(WaylandFallback, KeepsWhatXwaylandShowsAndAddsTheUnseenApplications) {
     const DesktopSnapshot seen = withX.snapshot();
     EXPECT_EQ(seen.frontmostPID, std::optional<qint64>(7));
     EXPECT_EQ(seen.unseenAppPIDs, (QSet<qint64>{100, 101, 102}));
-    EXPECT_TRUE(withX.requestClose(7));
+    test::FakeHandle seven(7), hundred(100);
+    EXPECT_TRUE(withX.requestClose(seven));
     EXPECT_EQ(withX.frontmostAppId(), std::optional<QString>(QStringLiteral("xterm")));
 
     WaylandFallbackSession alone(nullptr, m.path("."));
     EXPECT_EQ(alone.snapshot().unseenAppPIDs.size(), 3);
     EXPECT_FALSE(alone.snapshot().frontmostPID);
-    EXPECT_FALSE(alone.requestClose(100)); // no compositor to ask: the cut falls back to SIGTERM
+    EXPECT_FALSE(
+        alone.requestClose(hundred)); // no compositor to ask: the cut falls back to SIGTERM
     EXPECT_FALSE(alone.frontmostAppId());
 }
 

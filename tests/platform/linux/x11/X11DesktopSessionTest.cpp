@@ -7,6 +7,7 @@
 
 #include "core/cleanup/FocusTracker.h"
 #include "core/settings/SettingsKeys.h"
+#include "support/FakePlatform.h"
 #include "support/FixtureTree.h"
 #include "support/x11/ChildProcess.h"
 #include "support/x11/XTestServer.h"
@@ -93,17 +94,25 @@ TEST_F(X11DesktopSessionTest, WhatCountsAsVisibleAndHowClosingAsks) {
     EXPECT_FALSE(s.regularPIDs.contains(dock->pid()));
 
     // Closing goes to every window of that process and to no other, and a process without
-    // windows gets nothing.
+    // windows gets nothing. Windows are found by pid, so none is asked once the process pinned
+    // for the cut has ended: its pid may be another's by then.
     const auto twoWindows = client({"--windows", "2"});
     ChildProcess windowless({"sleep", "600"});
-    EXPECT_TRUE(session->requestClose(normal->pid()));
+    test::FakeHandle ended(normal->pid());
+    ended.running = [] { return false; };
+    EXPECT_FALSE(session->requestClose(ended));
+    EXPECT_FALSE(normal->readLine(1s));
+    test::FakeHandle pinned(normal->pid());
+    EXPECT_TRUE(session->requestClose(pinned));
     EXPECT_EQ(normal->readLine(30s), std::optional<std::string>("closing"));
     EXPECT_TRUE(normal->waitForExit(30s));
-    EXPECT_TRUE(session->requestClose(twoWindows->pid()));
+    test::FakeHandle pinnedTwo(twoWindows->pid());
+    EXPECT_TRUE(session->requestClose(pinnedTwo));
     for (int window = 0; window < 2; ++window)
         EXPECT_EQ(twoWindows->readLine(30s), std::optional<std::string>("closing")) << window;
     EXPECT_TRUE(twoWindows->waitForExit(30s));
-    EXPECT_FALSE(session->requestClose(windowless.pid()));
+    test::FakeHandle pinnedWindowless(windowless.pid());
+    EXPECT_FALSE(session->requestClose(pinnedWindowless));
     EXPECT_TRUE(windowless.running() && minimised->running());
 }
 
@@ -224,7 +233,8 @@ TEST_F(X11DesktopSessionTest, MousepadIsRecognisedAndClosesPolitely) {
     language = QStringLiteral("ko");
     EXPECT_EQ(session->application(pid)->displayName, QStringLiteral("마우스패드"));
 
-    EXPECT_TRUE(session->requestClose(pid));
+    test::FakeHandle pinned(pid);
+    EXPECT_TRUE(session->requestClose(pinned));
     EXPECT_TRUE(mousepad.waitForExit(30s)) << "mousepad did not close";
 }
 
