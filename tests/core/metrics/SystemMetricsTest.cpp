@@ -284,7 +284,7 @@ TEST(SystemMetricsTest, TablesReadOffThreadArriveInOrderAndAStaleOneKeepsACutRow
     ASSERT_TRUE(spinUntil([&] { return published.size() == 1; }));
     EXPECT_EQ(published.takeFirst(), QList<qint64>({101, 100}));
 
-    hub.update();                       // the tick asks for the second table...
+    hub.update();                              // the tick asks for the second table...
     EXPECT_EQ(hub.terminate({{101, 101}}), 1); // ...the cut for one more, folded into a third
     EXPECT_EQ(published.takeFirst(), QList<qint64>({100})); // the row goes at once
     fakes.runDelayed(); // the hold ends before the second table has arrived
