@@ -1,10 +1,13 @@
 #pragma once
 
 #include "app/shell/ApplicationId.h"
+#include "app/tray/ActivationGate.h"
+#include "app/tray/CachedProperties.h"
 #include "app/tray/DBusMenuExporter.h"
 #include "app/tray/DBusTypes.h"
 
 #include <QDBusConnection>
+#include <QDBusContext>
 #include <QDBusObjectPath>
 #include <QObject>
 #include <QPoint>
@@ -17,9 +20,10 @@ inline constexpr const char* statusNotifierWatcherPath = "/StatusNotifierWatcher
 
 // The item as a freedesktop StatusNotifierItem on the session bus, with its context menu
 // published over dbusmenu and its title as an Ayatana label, which hosts that show labels draw
-// beside the icon. The host calls Activate and ContextMenu with the pointer's position. The
+// beside the icon. The host calls Activate and ContextMenu with the pointer's position; every
+// call is answered at once from what is already built, so no caller can make the item busy. The
 // properties, slots and signals named as on the bus are what the generated adaptor relays.
-class StatusNotifierItem : public QObject {
+class StatusNotifierItem : public QObject, public QDBusContext {
     Q_OBJECT
     Q_PROPERTY(QString Category READ category)
     Q_PROPERTY(QString Id READ id)
@@ -103,7 +107,11 @@ private:
     QString title_;
     QString iconThemePath_;
     SniPixmaps iconPixmaps_;
+    CachedProperties* properties_ = nullptr;
     bool published_ = false;
+    // Bursts of calls (a double click, a host or program flooding the bus) act once.
+    ActivationGate activationGate_;
+    ActivationGate contextMenuGate_;
 };
 
 } // namespace quelmo
