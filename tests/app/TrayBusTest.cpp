@@ -5,13 +5,16 @@
 #include "app/shell/QuitSignals.h"
 #include "app/shell/SingleInstance.h"
 #include "app/tray/StatusNotifierItem.h"
+#include "app/tray/TrayStatusItem.h"
 
 #include <QCoreApplication>
 #include <QDBusArgument>
+#include <QDBusContext>
 #include <QDBusMessage>
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFile>
+#include <QTemporaryDir>
 #include <QThread>
 #include <QTimer>
 #include <atomic>
@@ -299,4 +302,59 @@ TEST(TrayBusTest, AFloodOfLaunchesHandingOverOpensThePopoverOnce) {
     EXPECT_EQ(opened, 1);
 }
 
+// A desktop's watcher that drops the first items registered with it a moment later, as GNOME
+// Shell's now and then does.
+class DroppingWatcher : public QObject, protected QDBusContext {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.kde.StatusNotifierWatcher")
+    Q_PROPERTY(QStringList RegisteredStatusNotifierItems READ items)
+    Q_PROPERTY(bool IsStatusNotifierHostRegistered READ hostRegistered)
+
+public:
+    explicit DroppingWatcher(int drops) : drops_(drops) {}
+    QStringList items() const { return items_; }
+    bool hostRegistered() const { return true; }
+    int registrations = 0;
+
+public slots:
+    void RegisterStatusNotifierItem(const QString& service) {
+        ++registrations;
+        const QString entry = message().service() + QStringLiteral("/StatusNotifierItem");
+        if (registrations > drops_) {
+            items_ = {service.startsWith(QLatin1Char('/')) ? entry : service};
+            return;
+        }
+        QTimer::singleShot(10, this, [this, entry] { emit StatusNotifierItemUnregistered(entry); });
+    }
+
+signals:
+    void StatusNotifierItemUnregistered(const QString& entry);
+
+private:
+    int drops_;
+    QStringList items_;
+};
+
+TEST(TrayBusTest, AnItemTheHostDropsRegistersAgainAFewTimesThenStops) {
+    for (const auto& [drops, expected] : {std::pair{1, 2}, {100, 6}}) {
+        SCOPED_TRACE(drops);
+        PrivateBus bus;
+        ASSERT_TRUE(bus.ready());
+        DroppingWatcher watcher(drops);
+        QDBusConnection desktop = bus.connect(QStringLiteral("desktop"));
+        ASSERT_TRUE(desktop.registerObject(QStringLiteral("/StatusNotifierWatcher"), &watcher,
+                                           QDBusConnection::ExportAllContents));
+        ASSERT_TRUE(desktop.registerService(QStringLiteral("org.kde.StatusNotifierWatcher")));
+        QTemporaryDir icons;
+        TrayStatusItem item(bus.connect(QStringLiteral("app")), icons.path());
+        spin(2500);
+        EXPECT_EQ(watcher.registrations, expected);
+        if (drops == 1) {
+            EXPECT_EQ(watcher.items().size(), 1);
+        }
+    }
+}
+
 } // namespace
+
+#include "TrayBusTest.moc"

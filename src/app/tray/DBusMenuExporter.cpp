@@ -154,6 +154,10 @@ QList<int> DBusMenuExporter::AboutToShowGroup(const QList<int>& ids, QList<int>&
 }
 
 void DBusMenuExporter::handleEvent(int id, const QString& eventId) {
+    if (id == 0 && eventId == QLatin1String("opened")) {
+        emit opened();
+        return;
+    }
     if (eventId != QLatin1String("clicked") || id < 1 || id > entries_.size())
         return;
     // Answer the call before acting: the action may well be quitting the program. A burst of

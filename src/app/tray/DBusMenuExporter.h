@@ -48,6 +48,8 @@ public slots:
 
 signals:
     void triggered(int index);
+    // The host has opened the menu (its root).
+    void opened();
 
     // The protocol's signals, relayed to the bus by the adaptor.
     void LayoutUpdated(uint revision, int parent);

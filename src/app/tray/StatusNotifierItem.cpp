@@ -30,6 +30,10 @@ StatusNotifierItem::StatusNotifierItem(QDBusConnection bus, QObject* parent)
                        .arg(QCoreApplication::applicationPid())) {
     registerDBusTypes();
     new StatusNotifierItemAdaptor(this);
+    connect(&menu_, &DBusMenuExporter::opened, this, [this] {
+        if (menuOpeningActivates_ && activationGate_.admit())
+            emit activated({});
+    });
     properties_ = new CachedProperties(this, this, QStringLiteral("org.kde.StatusNotifierItem"));
 }
 
@@ -51,16 +55,15 @@ bool StatusNotifierItem::publish() {
     return published_;
 }
 
-void StatusNotifierItem::registerWithWatcher(std::function<void(bool)> done) {
+void StatusNotifierItem::registerWithWatcher(bool byPath, std::function<void(bool)> done) {
     QDBusMessage call =
         QDBusMessage::createMethodCall(QString::fromLatin1(statusNotifierWatcherService),
                                        QString::fromLatin1(statusNotifierWatcherPath),
                                        QString::fromLatin1(statusNotifierWatcherService),
                                        QStringLiteral("RegisterStatusNotifierItem"));
-    // By object path, from the connection's unique name: the watcher then needs no look-up of
-    // who owns a well-known name, which some (GNOME Shell's) get wrong now and then and drop the
-    // item for.
-    call << QString::fromLatin1(objectPath);
+    // By object path the watcher takes the caller's unique name and needs no look-up of who
+    // owns a well-known name.
+    call << (byPath ? QString::fromLatin1(objectPath) : serviceName_);
     auto* pending = new QDBusPendingCallWatcher(bus_.asyncCall(call, 5000), this);
     connect(pending, &QDBusPendingCallWatcher::finished, this,
             [done = std::move(done)](QDBusPendingCallWatcher* self) {

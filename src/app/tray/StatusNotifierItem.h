@@ -53,13 +53,18 @@ public:
 
     // Puts the item and its menu on the bus under a name of its own. False when the bus refused.
     bool publish();
-    // Asks the desktop's watcher to show the item; `done` reports whether it accepted.
-    void registerWithWatcher(std::function<void(bool)> done);
+    // Asks the desktop's watcher to show the item, by the item's well-known name or by its
+    // object path; `done` reports whether it accepted.
+    void registerWithWatcher(bool byPath, std::function<void(bool)> done);
 
     QString serviceName() const { return serviceName_; }
     DBusMenuExporter& menu() { return menu_; }
 
     void setTitle(const QString& title);
+    // For hosts that open the item's menu on a left click and never tell the item of a single
+    // click (GNOME Shell's AppIndicator extension, which calls Activate only on a double
+    // click): the host opening the menu then counts as an activation.
+    void setMenuOpeningActivates(bool activates) { menuOpeningActivates_ = activates; }
     void setIcon(const QString& themePath, const SniPixmaps& pixmaps);
 
     QString category() const { return QStringLiteral("ApplicationStatus"); }
@@ -88,6 +93,7 @@ public slots:
     void ProvideXdgActivationToken(const QString& token);
 
 signals:
+    // A click on the item; a null position when the host did not say where.
     void activated(QPoint position);
     void contextMenuRequested(QPoint position);
 
@@ -109,6 +115,7 @@ private:
     SniPixmaps iconPixmaps_;
     CachedProperties* properties_ = nullptr;
     bool published_ = false;
+    bool menuOpeningActivates_ = false;
     // Bursts of calls (a double click, a host or program flooding the bus) act once.
     ActivationGate activationGate_;
     ActivationGate contextMenuGate_;

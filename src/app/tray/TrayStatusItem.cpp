@@ -56,7 +56,7 @@ TrayStatusItem::TrayStatusItem(std::optional<QDBusConnection> bus, const QString
         const bool iconWritten = scissors::exportTo(iconDirectory, iconTint());
         notifier_->setIcon(iconWritten ? iconDirectory : QString(), fallbackPixmaps());
         connect(notifier_.get(), &StatusNotifierItem::activated, this, [this](QPoint at) {
-            noteClick({StatusClick::Button::Left, at});
+            noteClick({StatusClick::Button::Left, at.isNull() ? QCursor::pos() : at});
         });
         connect(notifier_.get(), &StatusNotifierItem::contextMenuRequested, this,
                 [this](QPoint at) {
@@ -174,18 +174,49 @@ void TrayStatusItem::hostRegistered() {
 
 void TrayStatusItem::useStatusNotifier() {
     const quint64 asked = generation_;
-    notifier_->registerWithWatcher([this, asked](bool accepted) {
+    learnHost([this, asked](bool shellHost) {
         if (asked != generation_)
             return;
-        if (!accepted) {
-            useXEmbed();
-            return;
-        }
-        fallbackDelay_.stop();
-        kind_ = Kind::StatusNotifier;
-        xembed_.reset();
-        registrationCheck_.start();
+        // GNOME Shell's extension opens the item's menu on a single left click and calls
+        // Activate only on a double click, so there the menu opening is the click. It also now
+        // and then drops an item registered by a well-known name ("Argument two may not be
+        // null") but never one registered by its object path.
+        notifier_->setMenuOpeningActivates(shellHost);
+        notifier_->registerWithWatcher(shellHost, [this, asked](bool accepted) {
+            if (asked != generation_)
+                return;
+            if (!accepted) {
+                useXEmbed();
+                return;
+            }
+            fallbackDelay_.stop();
+            kind_ = Kind::StatusNotifier;
+            xembed_.reset();
+            registrationCheck_.start();
+        });
     });
+}
+
+void TrayStatusItem::learnHost(std::function<void(bool)> answer) {
+    // GNOME Shell's extension is the watcher itself, inside the shell: the watcher's owner also
+    // owns the shell's name.
+    auto ownerOf = [this](const QString& name) {
+        return bus_->asyncCall(
+            QDBusMessage::createMethodCall(
+                QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+                QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetNameOwner"))
+                << name,
+            5000);
+    };
+    QDBusPendingReply<QString> watcher = ownerOf(watcherService);
+    QDBusPendingReply<QString> shell = ownerOf(QStringLiteral("org.gnome.Shell"));
+    auto* both = new QDBusPendingCallWatcher(shell, this);
+    connect(both, &QDBusPendingCallWatcher::finished, this,
+            [watcher, shell, answer = std::move(answer)](QDBusPendingCallWatcher* self) mutable {
+                self->deleteLater();
+                watcher.waitForFinished(); // asked first, so answered already
+                answer(!watcher.isError() && !shell.isError() && watcher.value() == shell.value());
+            });
 }
 
 void TrayStatusItem::useXEmbed() {

@@ -44,6 +44,8 @@ private:
     void askForHost(std::function<void(bool)> answer);
     void askWatcher(const QString& property, std::function<void(const QVariant&)> answer);
     void checkRegistration();
+    // Whether the watcher is GNOME Shell's.
+    void learnHost(std::function<void(bool)> answer);
     bool namesThisItem(const QString& entry) const;
     void useStatusNotifier();
     void useXEmbed();
