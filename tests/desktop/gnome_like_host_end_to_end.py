@@ -8,12 +8,13 @@
 
 import argparse
 import os
+import re
 import signal
 import sys
 import time
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from desktop_session import DesktopSession, wait_until  # noqa: E402
+from desktop_session import WATCHER, DesktopSession, wait_until  # noqa: E402
 from tray_end_to_end import click, expect, running, wait_popover  # noqa: E402
 
 
@@ -37,6 +38,17 @@ def main():
             x, y = wait_until(lambda: host_icon(session), 30, "the item on the stand-in's panel")
             # (The program learns what kind of host it faces right after registering.)
             time.sleep(1)
+            # A host that draws labels gets the title as one, with the widest title as its guide.
+            items = session.run(["gdbus", "call", "--session", "--dest", WATCHER, "--object-path",
+                                 "/StatusNotifierWatcher", "--method",
+                                 "org.freedesktop.DBus.Properties.Get", WATCHER,
+                                 "RegisteredStatusNotifierItems"], env=bus).stdout
+            service, path = re.findall(r"'(:[^'/]+)(/[^']*)'", items)[0]
+            label = session.run(["gdbus", "call", "--session", "--dest", service, "--object-path",
+                                 path, "--method", "org.freedesktop.DBus.Properties.GetAll",
+                                 "org.kde.StatusNotifierItem"], env=bus).stdout
+            expect(re.search(r"'XAyatanaLabel': <'\d+% \d+%'>", label) and
+                   "'XAyatanaLabelGuide': <'100% 100%'>" in label, f"no label in {label[:300]}")
             click(session, x, y)
             wait_popover(session, True)
             expect(proc.poll() is None, "the program ended")

@@ -64,8 +64,9 @@ def sni(session, service, method, *args):
 
 
 def title_of(session, service):
-    raw = session.get_property(service, "/StatusNotifierItem", SNI, "XAyatanaLabel")
-    return (re.findall(r"<'([^']*)'>", raw) or [""])[0]
+    # (The label is only offered to hosts that draw labels; the tooltip always has the title.)
+    raw = session.get_property(service, "/StatusNotifierItem", SNI, "ToolTip")
+    return (re.findall(r"'(\d+% \d+%)'", raw) or [""])[0]
 
 
 def click(session, x, y, button=1):

@@ -13,9 +13,11 @@ const QVariantMap& CachedProperties::all() {
     if (!built_) {
         all_.clear();
         const QMetaObject* meta = parent()->metaObject();
-        for (int i = meta->propertyOffset(); i < meta->propertyCount(); ++i)
-            all_.insert(QString::fromLatin1(meta->property(i).name()),
-                        meta->property(i).read(parent()));
+        for (int i = meta->propertyOffset(); i < meta->propertyCount(); ++i) {
+            const QString name = QString::fromLatin1(meta->property(i).name());
+            if (!hidden_.contains(name))
+                all_.insert(name, meta->property(i).read(parent()));
+        }
         built_ = true;
     }
     return all_;

@@ -3,6 +3,7 @@
 #include <QDBusAbstractAdaptor>
 #include <QDBusContext>
 #include <QDBusVariant>
+#include <QStringList>
 #include <QVariantMap>
 
 namespace quelmo {
@@ -21,6 +22,11 @@ public:
 
     // Call whenever a property of the parent changes.
     void invalidate() { built_ = false; }
+    // Properties left out, as if the parent had none of that name.
+    void setHidden(const QStringList& names) {
+        hidden_ = names;
+        invalidate();
+    }
 
 public slots:
     QDBusVariant Get(const QString& interface, const QString& name);
@@ -33,6 +39,7 @@ private:
     const QDBusContext* context_;
     QString interface_;
     QVariantMap all_;
+    QStringList hidden_;
     bool built_ = false;
 };
 

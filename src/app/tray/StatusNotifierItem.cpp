@@ -78,7 +78,19 @@ void StatusNotifierItem::setTitle(const QString& title) {
     title_ = title;
     properties_->invalidate();
     emit NewToolTip();
-    emit XAyatanaNewLabel(title_, labelGuide());
+    if (labelShown_)
+        emit XAyatanaNewLabel(title_, labelGuide());
+}
+
+void StatusNotifierItem::setLabelShown(bool shown) {
+    if (shown == labelShown_)
+        return;
+    labelShown_ = shown;
+    properties_->setHidden(
+        shown ? QStringList()
+              : QStringList{QStringLiteral("XAyatanaLabel"), QStringLiteral("XAyatanaLabelGuide")});
+    if (shown)
+        emit XAyatanaNewLabel(title_, labelGuide());
 }
 
 void StatusNotifierItem::setIcon(const QString& themePath, const SniPixmaps& pixmaps) {

@@ -65,6 +65,10 @@ public:
     // click (GNOME Shell's AppIndicator extension, which calls Activate only on a double
     // click): the host opening the menu then counts as an activation.
     void setMenuOpeningActivates(bool activates) { menuOpeningActivates_ = activates; }
+    // Whether the item offers its title as a label beside the icon. Only hosts known to draw
+    // labels get one: the mere presence of the label makes MATE's notification area draw it
+    // instead of the icon. The title is in the tooltip everywhere.
+    void setLabelShown(bool shown);
     void setIcon(const QString& themePath, const SniPixmaps& pixmaps);
 
     QString category() const { return QStringLiteral("ApplicationStatus"); }
@@ -116,6 +120,7 @@ private:
     CachedProperties* properties_ = nullptr;
     bool published_ = false;
     bool menuOpeningActivates_ = false;
+    bool labelShown_ = true;
     // Bursts of calls (a double click, a host or program flooding the bus) act once.
     ActivationGate activationGate_;
     ActivationGate contextMenuGate_;

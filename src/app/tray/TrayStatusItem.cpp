@@ -174,9 +174,11 @@ void TrayStatusItem::hostRegistered() {
 
 void TrayStatusItem::useStatusNotifier() {
     const quint64 asked = generation_;
-    learnHost([this, asked](bool shellHost) {
+    learnHost([this, asked](Host host) {
         if (asked != generation_)
             return;
+        const bool shellHost = host == Host::GnomeShell;
+        notifier_->setLabelShown(host != Host::Other);
         // GNOME Shell's extension opens the item's menu on a single left click and calls
         // Activate only on a double click, so there the menu opening is the click. It also now
         // and then drops an item registered by a well-known name ("Argument two may not be
@@ -197,9 +199,9 @@ void TrayStatusItem::useStatusNotifier() {
     });
 }
 
-void TrayStatusItem::learnHost(std::function<void(bool)> answer) {
-    // GNOME Shell's extension is the watcher itself, inside the shell: the watcher's owner also
-    // owns the shell's name.
+void TrayStatusItem::learnHost(std::function<void(Host)> answer) {
+    // GNOME Shell's extension is the watcher itself, inside the shell, and so is Ayatana's
+    // indicator service: the watcher's owner also owns the shell's or the service's name.
     auto ownerOf = [this](const QString& name) {
         return bus_->asyncCall(
             QDBusMessage::createMethodCall(
@@ -210,13 +212,22 @@ void TrayStatusItem::learnHost(std::function<void(bool)> answer) {
     };
     QDBusPendingReply<QString> watcher = ownerOf(watcherService);
     QDBusPendingReply<QString> shell = ownerOf(QStringLiteral("org.gnome.Shell"));
-    auto* both = new QDBusPendingCallWatcher(shell, this);
-    connect(both, &QDBusPendingCallWatcher::finished, this,
-            [watcher, shell, answer = std::move(answer)](QDBusPendingCallWatcher* self) mutable {
-                self->deleteLater();
-                watcher.waitForFinished(); // asked first, so answered already
-                answer(!watcher.isError() && !shell.isError() && watcher.value() == shell.value());
-            });
+    QDBusPendingReply<QString> ayatana =
+        ownerOf(QStringLiteral("org.ayatana.indicator.application"));
+    auto* all = new QDBusPendingCallWatcher(ayatana, this);
+    connect(
+        all, &QDBusPendingCallWatcher::finished, this,
+        [watcher, shell, ayatana,
+         answer = std::move(answer)](QDBusPendingCallWatcher* self) mutable {
+            self->deleteLater();
+            // Asked first, so answered already.
+            watcher.waitForFinished();
+            shell.waitForFinished();
+            auto owns = [&watcher](QDBusPendingReply<QString>& other) {
+                return !watcher.isError() && !other.isError() && watcher.value() == other.value();
+            };
+            answer(owns(shell) ? Host::GnomeShell : owns(ayatana) ? Host::Ayatana : Host::Other);
+        });
 }
 
 void TrayStatusItem::useXEmbed() {

@@ -44,8 +44,9 @@ private:
     void askForHost(std::function<void(bool)> answer);
     void askWatcher(const QString& property, std::function<void(const QVariant&)> answer);
     void checkRegistration();
-    // Whether the watcher is GNOME Shell's.
-    void learnHost(std::function<void(bool)> answer);
+    // Hosts that need the item to behave differently, told apart by their watcher.
+    enum class Host { GnomeShell, Ayatana, Other };
+    void learnHost(std::function<void(Host)> answer);
     bool namesThisItem(const QString& entry) const;
     void useStatusNotifier();
     void useXEmbed();
