@@ -20,6 +20,7 @@
 #include <atomic>
 #include <climits>
 #include <csignal>
+#include <cstdio>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -246,6 +247,11 @@ FloodOutcome endure(Flood& flood) {
 }
 
 void expectEndured(const FloodOutcome& outcome, const Flood& flood) {
+    std::printf("  %lld calls: longest stall %lld ms, SIGTERM seen after %lld ms, grew %lld KiB\n",
+                static_cast<long long>(flood.sent()),
+                static_cast<long long>(outcome.longestStallMs),
+                static_cast<long long>(outcome.quitSignalMs),
+                static_cast<long long>(outcome.grownBytes >> 10));
     EXPECT_GT(flood.sent(), 5000);
     EXPECT_LT(outcome.longestStallMs, 500);
     EXPECT_GE(outcome.quitSignalMs, 0);
