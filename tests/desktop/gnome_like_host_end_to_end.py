@@ -15,7 +15,7 @@ import time
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 from desktop_session import WATCHER, DesktopSession, wait_until  # noqa: E402
-from tray_end_to_end import click, expect, running, wait_popover  # noqa: E402
+from tray_end_to_end import click, expect, popover, running, wait_popover  # noqa: E402
 
 
 def host_icon(session):
@@ -51,6 +51,13 @@ def main():
                    "'XAyatanaLabelGuide': <'100% 100%'>" in label, f"no label in {label[:300]}")
             click(session, x, y)
             wait_popover(session, True)
+            # Another click closes it (the press takes the focus away) and the shell's late
+            # report of that click does not open it again.
+            time.sleep(1)
+            click(session, x, y)
+            wait_popover(session, False)
+            time.sleep(1.5)
+            expect(not popover(session), "the popover opened again after the closing click")
             expect(proc.poll() is None, "the program ended")
     print("ok: one click opened the popover")
     return 0

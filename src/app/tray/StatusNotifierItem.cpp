@@ -32,7 +32,7 @@ StatusNotifierItem::StatusNotifierItem(QDBusConnection bus, QObject* parent)
     new StatusNotifierItemAdaptor(this);
     connect(&menu_, &DBusMenuExporter::opened, this, [this] {
         if (menuOpeningActivates_ && activationGate_.admit())
-            emit activated({});
+            emit menuOpenedAsClick();
     });
     properties_ = new CachedProperties(this, this, QStringLiteral("org.kde.StatusNotifierItem"));
 }

@@ -99,6 +99,8 @@ public slots:
 signals:
     // A click on the item; a null position when the host did not say where.
     void activated(QPoint position);
+    // The host opened the item's menu, where that is how it tells of a click.
+    void menuOpenedAsClick();
     void contextMenuRequested(QPoint position);
 
     // The protocol's signals, relayed to the bus by the adaptor.

@@ -56,7 +56,10 @@ TrayStatusItem::TrayStatusItem(std::optional<QDBusConnection> bus, const QString
         const bool iconWritten = scissors::exportTo(iconDirectory, iconTint());
         notifier_->setIcon(iconWritten ? iconDirectory : QString(), fallbackPixmaps());
         connect(notifier_.get(), &StatusNotifierItem::activated, this, [this](QPoint at) {
-            noteClick({StatusClick::Button::Left, at.isNull() ? QCursor::pos() : at});
+            noteClick({StatusClick::Button::Left, at});
+        });
+        connect(notifier_.get(), &StatusNotifierItem::menuOpenedAsClick, this, [this] {
+            noteClick({StatusClick::Button::Left, QCursor::pos(), true});
         });
         connect(notifier_.get(), &StatusNotifierItem::contextMenuRequested, this,
                 [this](QPoint at) {
