@@ -138,6 +138,15 @@ TEST(TrayBusTest, HostileCallsGetAnAnswerAndNumbersStayInRange) {
                   .type(),
               QDBusMessage::ErrorMessage);
 
+    const QString described =
+        p.call(itemPath, QStringLiteral("org.freedesktop.DBus.Introspectable"),
+               QStringLiteral("Introspect"))
+            .arguments()
+            .value(0)
+            .toString();
+    EXPECT_TRUE(described.contains(QLatin1String("<method name=\"Activate\">")) &&
+                described.endsWith(QLatin1String("</node>\n")));
+
     // Wrong argument types are refused by the bus layer; the item goes on answering.
     EXPECT_EQ(p.callItem(QStringLiteral("Activate"), {QStringLiteral("x"), 1.5}).type(),
               QDBusMessage::ErrorMessage);
@@ -283,6 +292,8 @@ TEST(TrayBusTest, FloodsOfPropertyAndMenuReadsAreAnsweredWithoutFallingBehind) {
     const QDBusMessage reads[] = {
         p.message(itemPath, properties, QStringLiteral("GetAll"), {sniInterface}),
         p.message(menuPath, menuInterface, QStringLiteral("GetLayout"), {0, -1, QStringList()}),
+        p.message(itemPath, QStringLiteral("org.freedesktop.DBus.Introspectable"),
+                  QStringLiteral("Introspect")),
     };
     for (const QDBusMessage& read : reads) {
         SCOPED_TRACE(read.member().toStdString());

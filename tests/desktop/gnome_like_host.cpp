@@ -56,7 +56,6 @@ QStringList menuEntries(const QString& service, const QString& menuPath) {
         layout >> child;
         const QDBusArgument item = child.variant().value<QDBusArgument>();
         QVariantMap itemProperties;
-        QList<QDBusVariant> grandchildren;
         item.beginStructure();
         item >> id >> itemProperties;
         item.beginArray();

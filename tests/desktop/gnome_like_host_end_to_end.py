@@ -49,6 +49,11 @@ def main():
                                  "org.kde.StatusNotifierItem"], env=bus).stdout
             expect(re.search(r"'XAyatanaLabel': <'\d+% \d+%'>", label) and
                    "'XAyatanaLabelGuide': <'100% 100%'>" in label, f"no label in {label[:300]}")
+            # The shell looks for Activate in the item's description.
+            described = session.run(["gdbus", "introspect", "--session", "--dest", service,
+                                     "--object-path", path], env=bus)
+            expect(described.returncode == 0 and "Activate(" in described.stdout,
+                   f"the item's description: {described.stderr or described.stdout[:300]}")
             click(session, x, y)
             wait_popover(session, True)
             # Another click closes it (the press takes the focus away) and the shell's late

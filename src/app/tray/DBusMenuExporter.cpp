@@ -1,5 +1,6 @@
 #include "app/tray/DBusMenuExporter.h"
 
+#include "app/tray/CachedIntrospection.h"
 #include "app/tray/DBusMenuAdaptor.h"
 
 #include <QDBusConnection>
@@ -25,6 +26,7 @@ QVariantMap filtered(QVariantMap all, const QStringList& names) {
 DBusMenuExporter::DBusMenuExporter(QObject* parent) : QObject(parent) {
     registerDBusTypes();
     new DBusMenuAdaptor(this);
+    new CachedIntrospection(this);
     itemProperties_.append(allProperties(0));
     layout_ = item(0, -1, {});
 }
