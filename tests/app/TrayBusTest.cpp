@@ -255,21 +255,36 @@ FloodOutcome endure(Flood& flood) {
     return outcome;
 }
 
+// AddressSanitizer makes both ends several times slower, the answering one more so, and keeps
+// freed memory aside for a while, so resident size says nothing there.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool addressSanitizer = true;
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+constexpr bool addressSanitizer = true;
+#else
+constexpr bool addressSanitizer = false;
+#endif
+#else
+constexpr bool addressSanitizer = false;
+#endif
+
+constexpr int floodRate = addressSanitizer ? 2000 : 10000; // calls a second
+constexpr int floodMs = 2500;
+
 void expectEndured(const FloodOutcome& outcome, const Flood& flood) {
     std::printf("  %lld calls: longest stall %lld ms, SIGTERM seen after %lld ms, grew %lld KiB\n",
                 static_cast<long long>(flood.sent()),
                 static_cast<long long>(outcome.longestStallMs),
                 static_cast<long long>(outcome.quitSignalMs),
                 static_cast<long long>(outcome.grownBytes >> 10));
-    EXPECT_GT(flood.sent(), 5000);
+    EXPECT_GT(flood.sent(), floodRate * floodMs / 2000);
     EXPECT_LT(outcome.longestStallMs, 500);
     EXPECT_GE(outcome.quitSignalMs, 0);
     EXPECT_LT(outcome.quitSignalMs, 1000);
-    EXPECT_LT(outcome.grownBytes, 64ll << 20);
+    if (!addressSanitizer)
+        EXPECT_LT(outcome.grownBytes, 64ll << 20);
 }
-
-constexpr int floodRate = 10000; // calls a second
-constexpr int floodMs = 2500;
 
 TEST(TrayBusTest, AFloodOfActivationsTogglesOnceAndLeavesTheProgramResponsive) {
     PublishedItem p;
