@@ -282,8 +282,9 @@ void expectEndured(const FloodOutcome& outcome, const Flood& flood) {
     EXPECT_LT(outcome.longestStallMs, 500);
     EXPECT_GE(outcome.quitSignalMs, 0);
     EXPECT_LT(outcome.quitSignalMs, 1000);
-    if (!addressSanitizer)
+    if (!addressSanitizer) {
         EXPECT_LT(outcome.grownBytes, 64ll << 20);
+    }
 }
 
 TEST(TrayBusTest, AFloodOfActivationsTogglesOnceAndLeavesTheProgramResponsive) {
