@@ -13,7 +13,7 @@ namespace quelmo {
 class ActivationGate {
 public:
     using Clock = std::function<qint64()>; // milliseconds, monotonic
-    static constexpr qint64 quietMs = 300;
+    static constexpr qint64 quietMs = 200;
 
     explicit ActivationGate(Clock clock = monotonicMs) : clock_(std::move(clock)) {}
 
