@@ -4,6 +4,7 @@
 
 #include <QCoreApplication>
 #include <QKeyEvent>
+#include <QThread>
 #include <gtest/gtest.h>
 
 using namespace quelmo;
@@ -50,7 +51,9 @@ struct Shell {
     }
 
     SystemMetrics& metrics() { return delegate->metrics(); }
-    void click(StatusClick::Button button) { emit item->clicked({button, {600, 12}}); }
+    void click(StatusClick::Button button, bool late = false) {
+        emit item->clicked({button, {600, 12}, late});
+    }
 };
 
 } // namespace
@@ -141,4 +144,18 @@ TEST(AppDelegateTest, RightClickOnlyShowsTheOwnMenuWhichQuitsOnCtrlQ) {
     EXPECT_EQ(shell.delegate->contextMenu(), nullptr);
     shell.click(StatusClick::Button::Left);
     EXPECT_FALSE(shell.delegate->popover().isShown());
+}
+
+TEST(AppDelegateTest, AClickTheHostTellsOfLateDoesNotReopenWhatItClosed) {
+    // GNOME Shell: pressing the item takes the focus from the open popover, which closes it,
+    // and the shell reports the click only after its double-click time.
+    Shell shell;
+    shell.click(StatusClick::Button::Left, true);
+    ASSERT_TRUE(shell.delegate->popover().isShown());
+    emit shell.surface->closedByUser(Reason::FocusLost);
+    QThread::msleep(Popover::reopenGuardMs + 100); // the shell's wait, longer than a gesture
+    shell.click(StatusClick::Button::Left, true);
+    EXPECT_FALSE(shell.delegate->popover().isShown());
+    shell.click(StatusClick::Button::Left); // a click told at once still opens it
+    EXPECT_TRUE(shell.delegate->popover().isShown());
 }

@@ -187,8 +187,9 @@ class DesktopSession:
         return subprocess.Popen(argv, env={**self.env, **(env or {})}, start_new_session=True,
                                 **kwargs)
 
-    def run(self, argv, text=True):
-        return subprocess.run(argv, env=self.env, capture_output=True, text=text, timeout=30)
+    def run(self, argv, text=True, env=None):
+        return subprocess.run(argv, env={**self.env, **(env or {})}, capture_output=True,
+                              text=text, timeout=30)
 
     def gdbus(self, *args):
         result = self.run(["gdbus", "call", "--session", "--timeout", "15", *args])

@@ -17,6 +17,10 @@ int clampSpan(int start, int length, int low, int high) {
 } // namespace
 
 QRect popoverGeometry(QPoint anchor, QSize size, const QRect& available) {
+    // The point may come from another program: far enough out that no sum below overflows.
+    constexpr int farthest = 1 << 24;
+    anchor = {std::clamp(anchor.x(), -farthest, farthest),
+              std::clamp(anchor.y(), -farthest, farthest)};
     const int width = size.width();
     const int height = size.height();
 

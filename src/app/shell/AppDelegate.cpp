@@ -58,6 +58,9 @@ void AppDelegate::togglePopover(StatusClick sender) {
     }
     if (!statusItem_)
         return;
+    if (sender.late && !popover_.isShown() && closedAtMs_ >= 0 &&
+        Popover::monotonicMs() - closedAtMs_ < lateClickMs)
+        return;
     popover_.toggle(sender.position);
 }
 
@@ -92,6 +95,7 @@ void AppDelegate::popoverWillShow() {
 }
 
 void AppDelegate::popoverDidClose() {
+    closedAtMs_ = Popover::monotonicMs();
     metrics_.setPollProcesses(false);
     metrics_.setTopCPU({});
     metrics_.setTopMem({});

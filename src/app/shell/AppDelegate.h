@@ -55,7 +55,12 @@ private:
     void showContextMenu(QPoint at);
     void runMenuEntry(int index);
 
+    // A click the host tells of late may come after the same click has already closed the
+    // popover by taking the focus from it: it is then not one to open it again.
+    static constexpr qint64 lateClickMs = 1000;
+
     std::unique_ptr<StatusItem> statusItem_;
+    qint64 closedAtMs_ = -1;
     Popover popover_;
     SystemMetrics metrics_;
     Shell shell_;

@@ -31,7 +31,8 @@ bool SingleInstance::handOver() {
 }
 
 void SingleInstance::Activate() {
-    emit activationRequested();
+    if (gate_.admit())
+        emit activationRequested();
 }
 
 bool SingleInstance::handOverOnBus() {
@@ -77,7 +78,7 @@ bool SingleInstance::handOverOnSocket() {
             connect(peer, &QLocalSocket::disconnected, peer, &QObject::deleteLater);
             connect(peer, &QLocalSocket::readyRead, this, [this, peer] {
                 if (peer->readAll().startsWith("activate"))
-                    emit activationRequested();
+                    Activate();
             });
         }
     });

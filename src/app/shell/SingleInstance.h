@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/shell/ApplicationId.h"
+#include "app/tray/ActivationGate.h"
 
 #include <QDBusConnection>
 #include <QObject>
@@ -32,7 +33,8 @@ public:
     static QString socketName();
 
 public slots:
-    // Called by a later launch.
+    // Called by a later launch. Launches in a burst (or a program calling it in a loop) open
+    // the popover once.
     Q_SCRIPTABLE void Activate();
 
 signals:
@@ -44,6 +46,7 @@ private:
 
     std::optional<QDBusConnection> bus_;
     QLocalServer* server_ = nullptr;
+    ActivationGate gate_;
 };
 
 } // namespace quelmo

@@ -1,5 +1,6 @@
 #include "app/tray/DBusMenuExporter.h"
 
+#include "app/tray/CachedIntrospection.h"
 #include "app/tray/DBusMenuAdaptor.h"
 
 #include <QDBusConnection>
@@ -25,10 +26,18 @@ QVariantMap filtered(QVariantMap all, const QStringList& names) {
 DBusMenuExporter::DBusMenuExporter(QObject* parent) : QObject(parent) {
     registerDBusTypes();
     new DBusMenuAdaptor(this);
+    new CachedIntrospection(this);
+    itemProperties_.append(allProperties(0));
+    layout_ = item(0, -1, {});
 }
 
 void DBusMenuExporter::setEntries(const QList<StatusMenuEntry>& entries) {
     entries_ = entries;
+    // Built once here, so that hosts asking again and again only get copies.
+    itemProperties_.clear();
+    for (int id = 0; id <= entries_.size(); ++id)
+        itemProperties_.append(allProperties(id));
+    layout_ = item(0, -1, {});
     ++revision_;
     emit LayoutUpdated(revision_, 0);
 }
@@ -54,6 +63,10 @@ DBusMenuShortcut DBusMenuExporter::shortcutOf(const QKeySequence& sequence) {
 }
 
 QVariantMap DBusMenuExporter::properties(int id, const QStringList& names) const {
+    return hasItem(id) ? filtered(itemProperties_.value(id), names) : QVariantMap();
+}
+
+QVariantMap DBusMenuExporter::allProperties(int id) const {
     QVariantMap all;
     if (id == 0) {
         all.insert(QStringLiteral("children-display"), QStringLiteral("submenu"));
@@ -65,15 +78,15 @@ QVariantMap DBusMenuExporter::properties(int id, const QStringList& names) const
         if (!entry.shortcut.isEmpty())
             all.insert(QStringLiteral("shortcut"), QVariant::fromValue(shortcutOf(entry.shortcut)));
     }
-    return filtered(all, names);
+    return all;
 }
 
 DBusMenuLayoutItem DBusMenuExporter::item(int id, int depth, const QStringList& names) const {
     DBusMenuLayoutItem result{id, properties(id, names), {}};
-    // A depth of -1 means "all levels"; the entries are leaves, so one level is all there is.
+    // Any negative depth means "all levels"; the entries are leaves, so one level is all there is.
     if (id == 0 && depth != 0)
         for (int child = 1; child <= entries_.size(); ++child)
-            result.children.append(item(child, depth - 1, names));
+            result.children.append(item(child, 0, names));
     return result;
 }
 
@@ -84,7 +97,9 @@ QString DBusMenuExporter::textDirection() const {
 
 uint DBusMenuExporter::GetLayout(int parentId, int recursionDepth, const QStringList& propertyNames,
                                  DBusMenuLayoutItem& layout) {
-    if (hasItem(parentId))
+    if (parentId == 0 && recursionDepth != 0 && propertyNames.isEmpty())
+        layout = layout_; // what hosts ask for every time
+    else if (hasItem(parentId))
         layout = item(parentId, recursionDepth, propertyNames);
     else
         failUnknownItem(parentId);
@@ -101,7 +116,17 @@ DBusMenuItemPropertiesList DBusMenuExporter::GetGroupProperties(const QList<int>
 }
 
 QDBusVariant DBusMenuExporter::GetProperty(int id, const QString& name) {
-    return QDBusVariant(properties(id, {name}).value(name));
+    const QVariant value = properties(id, {name}).value(name);
+    if (!value.isValid()) {
+        // An empty variant cannot go on the bus, and a caller with no reply waits for its
+        // timeout: say what is wrong instead.
+        if (!hasItem(id))
+            failUnknownItem(id);
+        else if (calledFromDBus())
+            sendErrorReply(QDBusError::InvalidArgs,
+                           QStringLiteral("Menu item %1 has no property %2").arg(id).arg(name));
+    }
+    return QDBusVariant(value);
 }
 
 void DBusMenuExporter::Event(int id, const QString& eventId, const QDBusVariant&, uint) {
@@ -131,11 +156,25 @@ QList<int> DBusMenuExporter::AboutToShowGroup(const QList<int>& ids, QList<int>&
 }
 
 void DBusMenuExporter::handleEvent(int id, const QString& eventId) {
+    if (id == 0 && eventId == QLatin1String("opened")) {
+        emit opened();
+        return;
+    }
     if (eventId != QLatin1String("clicked") || id < 1 || id > entries_.size())
         return;
-    // Answer the call before acting: the action may well be quitting the program.
+    // Answer the call before acting: the action may well be quitting the program. A burst of
+    // clicks on one entry acts once.
+    const int index = id - 1;
+    if (pendingTriggers_.contains(index))
+        return;
+    pendingTriggers_.insert(index);
     QMetaObject::invokeMethod(
-        this, [this, index = id - 1] { emit triggered(index); }, Qt::QueuedConnection);
+        this,
+        [this, index] {
+            pendingTriggers_.remove(index);
+            emit triggered(index);
+        },
+        Qt::QueuedConnection);
 }
 
 void DBusMenuExporter::failUnknownItem(int id) {

@@ -5,6 +5,7 @@
 
 #include <QDBusContext>
 #include <QObject>
+#include <QSet>
 
 namespace quelmo {
 
@@ -47,6 +48,8 @@ public slots:
 
 signals:
     void triggered(int index);
+    // The host has opened the menu (its root).
+    void opened();
 
     // The protocol's signals, relayed to the bus by the adaptor.
     void LayoutUpdated(uint revision, int parent);
@@ -54,12 +57,16 @@ signals:
 
 private:
     QVariantMap properties(int id, const QStringList& names) const;
+    QVariantMap allProperties(int id) const;
     bool hasItem(int id) const { return id >= 0 && id <= entries_.size(); }
     void handleEvent(int id, const QString& eventId);
     DBusMenuLayoutItem item(int id, int depth, const QStringList& names) const;
     void failUnknownItem(int id);
 
     QList<StatusMenuEntry> entries_;
+    QList<QVariantMap> itemProperties_; // by id
+    DBusMenuLayoutItem layout_;         // the whole menu with every property
+    QSet<int> pendingTriggers_;
     uint revision_ = 1;
 };
 

@@ -26,14 +26,18 @@ bool writeIfChanged(const QString& path, const QByteArray& contents) {
            file.commit();
 }
 
+// The file paints with currentColor so that hosts can restyle it; where it is to keep one colour,
+// the colour is written straight into the document.
+QByteArray tintedSvg(const QColor& tint) {
+    QByteArray svg = symbolicSvg();
+    svg.replace("fill=\"currentColor\"", "fill=\"" + tint.name(QColor::HexRgb).toLatin1() + '"');
+    return svg;
+}
+
 } // namespace
 
 QImage render(int size, const QColor& tint) {
-    // The file paints with currentColor so that hosts can restyle it; for our own pixels the
-    // colour is written straight into the document.
-    QByteArray svg = symbolicSvg();
-    svg.replace("fill=\"currentColor\"", "fill=\"" + tint.name(QColor::HexRgb).toLatin1() + '"');
-
+    const QByteArray svg = tintedSvg(tint);
     QImage image(size, size, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
     QSvgRenderer renderer(svg);
@@ -99,13 +103,21 @@ QImage renderWithRim(int size, const QColor& tint) {
     return image;
 }
 
-bool exportTo(const QString& directory) {
-    const QByteArray svg = symbolicSvg();
+bool exportTo(const QString& directory, const QColor& tint) {
+    const QByteArray symbolic = symbolicSvg();
     const QString themed = directory + QStringLiteral("/hicolor/scalable/status");
-    const QString file = QString::fromLatin1(iconName) + QStringLiteral(".svg");
-    return !svg.isEmpty() && QDir().mkpath(themed) &&
-           writeIfChanged(directory + QLatin1Char('/') + file, svg) &&
-           writeIfChanged(themed + QLatin1Char('/') + file, svg);
+    const QString name = QString::fromLatin1(iconName);
+    if (symbolic.isEmpty() || !QDir().mkpath(themed))
+        return false;
+    bool written = true;
+    for (const QString& folder : {directory, themed}) {
+        written = written &&
+                  writeIfChanged(folder + QLatin1Char('/') + name + QStringLiteral(".svg"),
+                                 tintedSvg(tint)) &&
+                  writeIfChanged(folder + QLatin1Char('/') + name + QStringLiteral("-symbolic.svg"),
+                                 symbolic);
+    }
+    return written;
 }
 
 } // namespace quelmo::scissors

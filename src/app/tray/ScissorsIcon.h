@@ -9,9 +9,11 @@
 
 namespace quelmo::scissors {
 
-// The icon's name in a freedesktop icon theme, the one the installed symbolic icon has too. The
-// "-symbolic" suffix asks hosts to recolour it with the panel's own foreground colour.
-inline constexpr const char* iconName = QUELMO_APP_ID "-symbolic";
+// The name the status item gives its icon. Hosts that look a name ending in "-symbolic" up only
+// in the desktop's icon theme (Cinnamon) would find nothing, so the name has no suffix; hosts
+// that prefer symbolic icons (GNOME Shell) ask for the name with "-symbolic" appended and find
+// the recolourable twin beside it.
+inline constexpr const char* iconName = QUELMO_APP_ID "-tray";
 // What screen readers announce for the item.
 inline constexpr const char* accessibleName = "Quelmo";
 
@@ -36,8 +38,9 @@ QColor tintOn(const QColor& background, const QColor& preferred);
 // `tint`, so the icon stands out on light and dark panels alike.
 QImage renderWithRim(int size, const QColor& tint);
 
-// Writes the symbolic icon where a tray host can find it by name: loose in `directory` (GTK
-// hosts) and under hicolor/scalable/status (KDE hosts). Returns false when it cannot be written.
-bool exportTo(const QString& directory);
+// Writes the icon where a tray host can find it by name: loose in `directory` (GTK hosts) and
+// under hicolor/scalable/status (KDE hosts), as `iconName` drawn in `tint` and as its symbolic
+// twin, which hosts recolour with the panel's own text colour. False when it cannot be written.
+bool exportTo(const QString& directory, const QColor& tint);
 
 } // namespace quelmo::scissors

@@ -13,6 +13,9 @@ struct StatusClick {
     enum class Button { Left, Right };
     Button button = Button::Left;
     QPoint position;
+    // The host told of the click only a while after it happened (GNOME Shell waits out the
+    // double-click time before it opens the item's menu, which is how the click is learnt).
+    bool late = false;
 };
 
 // One entry of the status item's context menu.

@@ -1,5 +1,6 @@
 #include "app/tray/StatusNotifierItem.h"
 
+#include "app/tray/CachedIntrospection.h"
 #include "app/tray/ScissorsIcon.h"
 #include "app/tray/StatusNotifierItemAdaptor.h"
 #include "app/tray/StatusTitle.h"
@@ -8,8 +9,20 @@
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
+#include <algorithm>
 
 namespace quelmo {
+
+namespace {
+
+// Hosts send screen coordinates, which X11 keeps in 16 bits; anything beyond is nonsense from
+// the bus and is kept from reaching any arithmetic.
+QPoint clampedPoint(int x, int y) {
+    constexpr int low = -32768, high = 32767;
+    return {std::clamp(x, low, high), std::clamp(y, low, high)};
+}
+
+} // namespace
 
 StatusNotifierItem::StatusNotifierItem(QDBusConnection bus, QObject* parent)
     : QObject(parent), bus_(std::move(bus)),
@@ -18,6 +31,12 @@ StatusNotifierItem::StatusNotifierItem(QDBusConnection bus, QObject* parent)
                        .arg(QCoreApplication::applicationPid())) {
     registerDBusTypes();
     new StatusNotifierItemAdaptor(this);
+    connect(&menu_, &DBusMenuExporter::opened, this, [this] {
+        if (menuOpeningActivates_ && activationGate_.admit())
+            emit menuOpenedAsClick();
+    });
+    new CachedIntrospection(this);
+    properties_ = new CachedProperties(this, this, QStringLiteral("org.kde.StatusNotifierItem"));
 }
 
 StatusNotifierItem::~StatusNotifierItem() {
@@ -38,13 +57,15 @@ bool StatusNotifierItem::publish() {
     return published_;
 }
 
-void StatusNotifierItem::registerWithWatcher(std::function<void(bool)> done) {
+void StatusNotifierItem::registerWithWatcher(bool byPath, std::function<void(bool)> done) {
     QDBusMessage call =
         QDBusMessage::createMethodCall(QString::fromLatin1(statusNotifierWatcherService),
                                        QString::fromLatin1(statusNotifierWatcherPath),
                                        QString::fromLatin1(statusNotifierWatcherService),
                                        QStringLiteral("RegisterStatusNotifierItem"));
-    call << serviceName_;
+    // By object path the watcher takes the caller's unique name and needs no look-up of who
+    // owns a well-known name.
+    call << (byPath ? QString::fromLatin1(objectPath) : serviceName_);
     auto* pending = new QDBusPendingCallWatcher(bus_.asyncCall(call, 5000), this);
     connect(pending, &QDBusPendingCallWatcher::finished, this,
             [done = std::move(done)](QDBusPendingCallWatcher* self) {
@@ -57,13 +78,27 @@ void StatusNotifierItem::setTitle(const QString& title) {
     if (title == title_)
         return;
     title_ = title;
+    properties_->invalidate();
     emit NewToolTip();
-    emit XAyatanaNewLabel(title_, labelGuide());
+    if (labelShown_)
+        emit XAyatanaNewLabel(title_, labelGuide());
+}
+
+void StatusNotifierItem::setLabelShown(bool shown) {
+    if (shown == labelShown_)
+        return;
+    labelShown_ = shown;
+    properties_->setHidden(
+        shown ? QStringList()
+              : QStringList{QStringLiteral("XAyatanaLabel"), QStringLiteral("XAyatanaLabelGuide")});
+    if (shown)
+        emit XAyatanaNewLabel(title_, labelGuide());
 }
 
 void StatusNotifierItem::setIcon(const QString& themePath, const SniPixmaps& pixmaps) {
     iconThemePath_ = themePath;
     iconPixmaps_ = pixmaps;
+    properties_->invalidate();
     emit NewIcon();
 }
 
@@ -89,15 +124,19 @@ QString StatusNotifierItem::labelGuide() const {
 }
 
 void StatusNotifierItem::ContextMenu(int x, int y) {
-    emit contextMenuRequested({x, y});
+    if (contextMenuGate_.admit())
+        emit contextMenuRequested(clampedPoint(x, y));
 }
 
 void StatusNotifierItem::Activate(int x, int y) {
-    emit activated({x, y});
+    if (activationGate_.admit())
+        emit activated(clampedPoint(x, y));
 }
 
-void StatusNotifierItem::SecondaryActivate(int, int) {
-    // A middle click: the item has no secondary action.
+void StatusNotifierItem::SecondaryActivate(int x, int y) {
+    // A middle click; hosts that keep the left click for the menu (Ayatana's indicator applet)
+    // leave it as the one way to the popover.
+    Activate(x, y);
 }
 
 void StatusNotifierItem::Scroll(int, const QString&) {

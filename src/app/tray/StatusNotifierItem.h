@@ -1,10 +1,13 @@
 #pragma once
 
 #include "app/shell/ApplicationId.h"
+#include "app/tray/ActivationGate.h"
+#include "app/tray/CachedProperties.h"
 #include "app/tray/DBusMenuExporter.h"
 #include "app/tray/DBusTypes.h"
 
 #include <QDBusConnection>
+#include <QDBusContext>
 #include <QDBusObjectPath>
 #include <QObject>
 #include <QPoint>
@@ -17,9 +20,10 @@ inline constexpr const char* statusNotifierWatcherPath = "/StatusNotifierWatcher
 
 // The item as a freedesktop StatusNotifierItem on the session bus, with its context menu
 // published over dbusmenu and its title as an Ayatana label, which hosts that show labels draw
-// beside the icon. The host calls Activate and ContextMenu with the pointer's position. The
+// beside the icon. The host calls Activate and ContextMenu with the pointer's position; every
+// call is answered at once from what is already built, so no caller can make the item busy. The
 // properties, slots and signals named as on the bus are what the generated adaptor relays.
-class StatusNotifierItem : public QObject {
+class StatusNotifierItem : public QObject, public QDBusContext {
     Q_OBJECT
     Q_PROPERTY(QString Category READ category)
     Q_PROPERTY(QString Id READ id)
@@ -49,13 +53,22 @@ public:
 
     // Puts the item and its menu on the bus under a name of its own. False when the bus refused.
     bool publish();
-    // Asks the desktop's watcher to show the item; `done` reports whether it accepted.
-    void registerWithWatcher(std::function<void(bool)> done);
+    // Asks the desktop's watcher to show the item, by the item's well-known name or by its
+    // object path; `done` reports whether it accepted.
+    void registerWithWatcher(bool byPath, std::function<void(bool)> done);
 
     QString serviceName() const { return serviceName_; }
     DBusMenuExporter& menu() { return menu_; }
 
     void setTitle(const QString& title);
+    // For hosts that open the item's menu on a left click and never tell the item of a single
+    // click (GNOME Shell's AppIndicator extension, which calls Activate only on a double
+    // click): the host opening the menu then counts as an activation.
+    void setMenuOpeningActivates(bool activates) { menuOpeningActivates_ = activates; }
+    // Whether the item offers its title as a label beside the icon. Only hosts known to draw
+    // labels get one: the mere presence of the label makes MATE's notification area draw it
+    // instead of the icon. The title is in the tooltip everywhere.
+    void setLabelShown(bool shown);
     void setIcon(const QString& themePath, const SniPixmaps& pixmaps);
 
     QString category() const { return QStringLiteral("ApplicationStatus"); }
@@ -84,7 +97,10 @@ public slots:
     void ProvideXdgActivationToken(const QString& token);
 
 signals:
+    // A click on the item; a null position when the host did not say where.
     void activated(QPoint position);
+    // The host opened the item's menu, where that is how it tells of a click.
+    void menuOpenedAsClick();
     void contextMenuRequested(QPoint position);
 
     // The protocol's signals, relayed to the bus by the adaptor.
@@ -103,7 +119,13 @@ private:
     QString title_;
     QString iconThemePath_;
     SniPixmaps iconPixmaps_;
+    CachedProperties* properties_ = nullptr;
     bool published_ = false;
+    bool menuOpeningActivates_ = false;
+    bool labelShown_ = true;
+    // Bursts of calls (a double click, a host or program flooding the bus) act once.
+    ActivationGate activationGate_;
+    ActivationGate contextMenuGate_;
 };
 
 } // namespace quelmo

@@ -13,6 +13,7 @@
 #include <QDBusVariant>
 #include <QGuiApplication>
 #include <QPalette>
+#include <algorithm>
 
 namespace quelmo {
 
@@ -21,11 +22,19 @@ namespace {
 const QString watcherService = QString::fromLatin1(statusNotifierWatcherService);
 const QString watcherPath = QString::fromLatin1(statusNotifierWatcherPath);
 constexpr int fallbackDelayMs = 2000;
+// A host may take an item and drop it again a moment later (GNOME Shell does now and then);
+// the item looks for itself this long after each registration.
+constexpr int registrationCheckMs = 1500;
+constexpr int maxReRegistrations = 5;
+
+QColor iconTint() {
+    return QGuiApplication::palette().color(QPalette::Active, QPalette::WindowText);
+}
 
 SniPixmaps fallbackPixmaps() {
     // For hosts that cannot load the icon by name: the scissors in the palette's text colour,
     // rimmed so that they stand out on whatever panel the host draws them.
-    const QColor tint = QGuiApplication::palette().color(QPalette::Active, QPalette::WindowText);
+    const QColor tint = iconTint();
     SniPixmaps pixmaps;
     for (const int size : {16, 22, 24, 32, 48})
         pixmaps.append(toSniPixmap(scissors::renderWithRim(size, tint)));
@@ -40,14 +49,20 @@ TrayStatusItem::TrayStatusItem(std::optional<QDBusConnection> bus, const QString
     fallbackDelay_.setSingleShot(true);
     fallbackDelay_.setInterval(fallbackDelayMs);
     connect(&fallbackDelay_, &QTimer::timeout, this, &TrayStatusItem::fallBack);
+    registrationCheck_.setSingleShot(true);
+    registrationCheck_.setInterval(registrationCheckMs);
+    connect(&registrationCheck_, &QTimer::timeout, this, &TrayStatusItem::checkRegistration);
 
     if (bus_ && bus_->isConnected()) {
         notifier_ = std::make_unique<StatusNotifierItem>(*bus_);
-        const bool iconWritten = scissors::exportTo(iconDirectory);
+        const bool iconWritten = scissors::exportTo(iconDirectory, iconTint());
         notifier_->setIcon(iconWritten ? iconDirectory : QString(), fallbackPixmaps());
         // Hosts report clicks in device pixels, and some relative to their own widget.
         connect(notifier_.get(), &StatusNotifierItem::activated, this, [this](QPoint at) {
             noteClick({StatusClick::Button::Left, hostClickAnchor(at)});
+        });
+        connect(notifier_.get(), &StatusNotifierItem::menuOpenedAsClick, this, [this] {
+            noteClick({StatusClick::Button::Left, QCursor::pos(), true});
         });
         connect(notifier_.get(), &StatusNotifierItem::contextMenuRequested, this,
                 [this](QPoint at) {
@@ -71,6 +86,9 @@ TrayStatusItem::TrayStatusItem(std::optional<QDBusConnection> bus, const QString
         // A watcher may run before any host does; it says so when a host arrives.
         bus_->connect(watcherService, watcherPath, watcherService,
                       QStringLiteral("StatusNotifierHostRegistered"), this, SLOT(hostRegistered()));
+        bus_->connect(watcherService, watcherPath, watcherService,
+                      QStringLiteral("StatusNotifierItemUnregistered"), this,
+                      SLOT(itemUnregistered(QString)));
     }
     chooseHost();
 }
@@ -79,6 +97,7 @@ TrayStatusItem::~TrayStatusItem() = default;
 
 void TrayStatusItem::chooseHost() {
     fallbackDelay_.stop();
+    reRegistrations_ = 0;
     if (!notifier_) {
         useXEmbed();
         return;
@@ -101,11 +120,17 @@ void TrayStatusItem::fallBack() {
 }
 
 void TrayStatusItem::askForHost(std::function<void(bool)> answer) {
+    askWatcher(QStringLiteral("IsStatusNotifierHostRegistered"),
+               [answer = std::move(answer)](const QVariant& value) { answer(value.toBool()); });
+}
+
+void TrayStatusItem::askWatcher(const QString& property,
+                                std::function<void(const QVariant&)> answer) {
     const quint64 asked = ++generation_;
     QDBusMessage get = QDBusMessage::createMethodCall(
         watcherService, watcherPath, QStringLiteral("org.freedesktop.DBus.Properties"),
         QStringLiteral("Get"));
-    get << watcherService << QStringLiteral("IsStatusNotifierHostRegistered");
+    get << watcherService << property;
     auto* pending = new QDBusPendingCallWatcher(bus_->asyncCall(get, 5000), this);
     connect(pending, &QDBusPendingCallWatcher::finished, this,
             [this, asked, answer = std::move(answer)](QDBusPendingCallWatcher* self) {
@@ -113,8 +138,39 @@ void TrayStatusItem::askForHost(std::function<void(bool)> answer) {
                 if (asked != generation_)
                     return;
                 const QDBusPendingReply<QDBusVariant> reply = *self;
-                answer(!reply.isError() && reply.value().variant().toBool());
+                answer(reply.isError() ? QVariant() : reply.value().variant());
             });
+}
+
+bool TrayStatusItem::namesThisItem(const QString& entry) const {
+    // Watchers list an item as its bus name, with or without its object path.
+    const QString busName = entry.section(QLatin1Char('/'), 0, 0);
+    return busName == bus_->baseService() || busName == notifier_->serviceName();
+}
+
+void TrayStatusItem::itemUnregistered(const QString& entry) {
+    if (kind_ == Kind::StatusNotifier && namesThisItem(entry))
+        checkRegistration();
+}
+
+void TrayStatusItem::checkRegistration() {
+    if (kind_ != Kind::StatusNotifier)
+        return;
+    askWatcher(QStringLiteral("RegisteredStatusNotifierItems"), [this](const QVariant& value) {
+        const QStringList items = value.toStringList();
+        if (std::any_of(items.begin(), items.end(),
+                        [this](const QString& entry) { return namesThisItem(entry); })) {
+            reRegistrations_ = 0;
+            return;
+        }
+        // Dropped: ask again a few times, then dock where the item is sure to show.
+        if (reRegistrations_ >= maxReRegistrations) {
+            useXEmbed();
+            return;
+        }
+        ++reRegistrations_;
+        useStatusNotifier();
+    });
 }
 
 void TrayStatusItem::hostRegistered() {
@@ -124,21 +180,65 @@ void TrayStatusItem::hostRegistered() {
 
 void TrayStatusItem::useStatusNotifier() {
     const quint64 asked = generation_;
-    notifier_->registerWithWatcher([this, asked](bool accepted) {
+    learnHost([this, asked](Host host) {
         if (asked != generation_)
             return;
-        if (!accepted) {
-            useXEmbed();
-            return;
-        }
-        fallbackDelay_.stop();
-        kind_ = Kind::StatusNotifier;
-        xembed_.reset();
+        const bool shellHost = host == Host::GnomeShell;
+        notifier_->setLabelShown(host != Host::Other);
+        // GNOME Shell's extension opens the item's menu on a single left click and calls
+        // Activate only on a double click, so there the menu opening is the click. It also now
+        // and then drops an item registered by a well-known name ("Argument two may not be
+        // null") but never one registered by its object path.
+        notifier_->setMenuOpeningActivates(shellHost);
+        notifier_->registerWithWatcher(shellHost, [this, asked](bool accepted) {
+            if (asked != generation_)
+                return;
+            if (!accepted) {
+                useXEmbed();
+                return;
+            }
+            fallbackDelay_.stop();
+            kind_ = Kind::StatusNotifier;
+            xembed_.reset();
+            registrationCheck_.start();
+        });
     });
+}
+
+void TrayStatusItem::learnHost(std::function<void(Host)> answer) {
+    // GNOME Shell's extension is the watcher itself, inside the shell, and so is Ayatana's
+    // indicator service: the watcher's owner also owns the shell's or the service's name.
+    auto ownerOf = [this](const QString& name) {
+        return bus_->asyncCall(
+            QDBusMessage::createMethodCall(
+                QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+                QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetNameOwner"))
+                << name,
+            5000);
+    };
+    QDBusPendingReply<QString> watcher = ownerOf(watcherService);
+    QDBusPendingReply<QString> shell = ownerOf(QStringLiteral("org.gnome.Shell"));
+    QDBusPendingReply<QString> ayatana =
+        ownerOf(QStringLiteral("org.ayatana.indicator.application"));
+    auto* all = new QDBusPendingCallWatcher(ayatana, this);
+    connect(
+        all, &QDBusPendingCallWatcher::finished, this,
+        [watcher, shell, ayatana,
+         answer = std::move(answer)](QDBusPendingCallWatcher* self) mutable {
+            self->deleteLater();
+            // Asked first, so answered already.
+            watcher.waitForFinished();
+            shell.waitForFinished();
+            auto owns = [&watcher](QDBusPendingReply<QString>& other) {
+                return !watcher.isError() && !other.isError() && watcher.value() == other.value();
+            };
+            answer(owns(shell) ? Host::GnomeShell : owns(ayatana) ? Host::Ayatana : Host::Other);
+        });
 }
 
 void TrayStatusItem::useXEmbed() {
     kind_ = Kind::XEmbed;
+    registrationCheck_.stop();
     if (xembed_)
         return;
     xembed_ = std::make_unique<XEmbedTrayIcon>();

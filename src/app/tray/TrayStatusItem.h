@@ -17,7 +17,8 @@ class XEmbedTrayIcon;
 
 // The status item on a Linux desktop: a StatusNotifierItem while a host for those runs, an
 // XEmbed tray icon otherwise. It follows the host coming and going (a panel restarting, a panel
-// started after the program), so the item is always wherever the desktop can show it.
+// started after the program) and checks that the host keeps the item once it took it, so the
+// item is always wherever the desktop can show it.
 class TrayStatusItem : public StatusItem {
     Q_OBJECT
 
@@ -34,12 +35,19 @@ public:
 private slots:
     void chooseHost();
     void hostRegistered();
+    void itemUnregistered(const QString& entry);
 
 private:
     enum class Kind { None, StatusNotifier, XEmbed };
 
     void fallBack();
     void askForHost(std::function<void(bool)> answer);
+    void askWatcher(const QString& property, std::function<void(const QVariant&)> answer);
+    void checkRegistration();
+    // Hosts that need the item to behave differently, told apart by their watcher.
+    enum class Host { GnomeShell, Ayatana, Other };
+    void learnHost(std::function<void(Host)> answer);
+    bool namesThisItem(const QString& entry) const;
     void useStatusNotifier();
     void useXEmbed();
     void noteClick(StatusClick click);
@@ -52,6 +60,8 @@ private:
     // login the program may start before the panel. Waiting a little before docking in an
     // XEmbed tray keeps the item from showing up twice or flickering between the two.
     QTimer fallbackDelay_;
+    QTimer registrationCheck_;
+    int reRegistrations_ = 0; // since the item was last seen registered
     Kind kind_ = Kind::None;
     quint64 generation_ = 0; // ignores answers to questions asked before a later change
     QString title_;

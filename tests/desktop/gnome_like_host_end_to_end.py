@@ -1,0 +1,72 @@
+#!/usr/bin/env python3
+# End to end on a host that treats clicks like GNOME Shell's AppIndicator extension: a single
+# left click opens the item's menu (when it has entries) and only a double click calls Activate.
+# The stand-in (gnome_like_host) is the watcher and the host on a bus of its own, as the
+# extension is inside the shell; the program must still open its popover on one click.
+#
+#     gnome_like_host_end_to_end.py --binary build/src/app/quelmo --host build/.../gnome_like_host
+
+import argparse
+import os
+import re
+import signal
+import sys
+import time
+
+sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
+from desktop_session import WATCHER, DesktopSession, wait_until  # noqa: E402
+from tray_end_to_end import click, expect, popover, running, wait_popover  # noqa: E402
+
+
+def host_icon(session):
+    found = session.run(["xdotool", "search", "--onlyvisible", "--name", "gnome-like-host item"])
+    geometries = [session.window_geometry(w) for w in found.stdout.split()]
+    return next(((x + w // 2, y + h // 2) for x, y, w, h in filter(None, geometries)), None)
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--binary", required=True)
+    parser.add_argument("--host", required=True)
+    args = parser.parse_args()
+    signal.signal(signal.SIGALRM, lambda *_: sys.exit("gave up after 240 s"))
+    signal.alarm(240)
+    with DesktopSession() as session:
+        bus = {"DBUS_SESSION_BUS_ADDRESS": session.new_bus()}
+        with running(session, [args.host], bus), \
+                running(session, [os.path.abspath(args.binary)], bus) as proc:
+            x, y = wait_until(lambda: host_icon(session), 30, "the item on the stand-in's panel")
+            # (The program learns what kind of host it faces right after registering.)
+            time.sleep(1)
+            # A host that draws labels gets the title as one, with the widest title as its guide.
+            items = session.run(["gdbus", "call", "--session", "--dest", WATCHER, "--object-path",
+                                 "/StatusNotifierWatcher", "--method",
+                                 "org.freedesktop.DBus.Properties.Get", WATCHER,
+                                 "RegisteredStatusNotifierItems"], env=bus).stdout
+            service, path = re.findall(r"'(:[^'/]+)(/[^']*)'", items)[0]
+            label = session.run(["gdbus", "call", "--session", "--dest", service, "--object-path",
+                                 path, "--method", "org.freedesktop.DBus.Properties.GetAll",
+                                 "org.kde.StatusNotifierItem"], env=bus).stdout
+            expect(re.search(r"'XAyatanaLabel': <'\d+% \d+%'>", label) and
+                   "'XAyatanaLabelGuide': <'100% 100%'>" in label, f"no label in {label[:300]}")
+            # The shell looks for Activate in the item's description.
+            described = session.run(["gdbus", "introspect", "--session", "--dest", service,
+                                     "--object-path", path], env=bus)
+            expect(described.returncode == 0 and "Activate(" in described.stdout,
+                   f"the item's description: {described.stderr or described.stdout[:300]}")
+            click(session, x, y)
+            wait_popover(session, True)
+            # Another click closes it (the press takes the focus away) and the shell's late
+            # report of that click does not open it again.
+            time.sleep(1)
+            click(session, x, y)
+            wait_popover(session, False)
+            time.sleep(1.5)
+            expect(not popover(session), "the popover opened again after the closing click")
+            expect(proc.poll() is None, "the program ended")
+    print("ok: one click opened the popover")
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
