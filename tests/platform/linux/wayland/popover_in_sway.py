@@ -115,6 +115,7 @@ def main():
                                     f"not centred under it ({expect_left})")
             except Failed as error:
                 failures.append(f"{error}; it is at {popover()}")
+            time.sleep(0.3)  # a second click within 0.2 s is part of the first
             activate(env, service, 8, 14)
             wait_until(lambda: not popover(), 20, "the popover to close")
             time.sleep(0.6)  # (a click right after a close is taken as part of it)
