@@ -2,6 +2,7 @@
 
 #include "app/popover/CardShadowProvider.h"
 #include "app/popover/CleanupFeed.h"
+#include "app/popover/LocalResourcesOnly.h"
 #include "app/popover/MascotBehavior.h"
 #include "app/popover/PopoverContext.h"
 #include "app/popover/PopoverRulesObject.h"
@@ -36,6 +37,8 @@ void registerPopoverQml(QQmlEngine& engine) {
         return true;
     }();
     Q_UNUSED(typesRegistered);
+    static LocalResourcesOnly localOnly;
+    engine.addUrlInterceptor(&localOnly);
     engine.addImageProvider(QStringLiteral("symbol"), new SymbolImageProvider);
     engine.addImageProvider(QStringLiteral("cardshadow"), new CardShadowProvider);
 }

@@ -19,9 +19,6 @@ AbstractButton {
     hoverEnabled: true
     focusPolicy: Qt.StrongFocus
     text: feed.advisorAvailable ? feed.texts.judgedByAI : feed.texts.aiNotesOff
-    ToolTip.visible: hovered || visualFocus
-    ToolTip.delay: 500
-    ToolTip.text: feed.texts.seeHowItDecides
     Accessible.role: Accessible.Button
     Accessible.name: text
     Accessible.description: feed.texts.seeHowItDecides
@@ -29,6 +26,11 @@ AbstractButton {
     Accessible.checked: showCriteria
     Keys.onReturnPressed: clicked()
     Keys.onEnterPressed: clicked()
+
+    TextTip {
+        visible: banner.hovered || banner.visualFocus
+        text: banner.feed.texts.seeHowItDecides
+    }
 
     contentItem: Item {
         implicitHeight: Math.max(title.implicitHeight, 12)
@@ -39,7 +41,7 @@ AbstractButton {
                 size: 11
                 anchors.verticalCenter: parent.verticalCenter
             }
-            Text {
+            UiText {
                 id: title
                 text: banner.text
                 font.pixelSize: 10

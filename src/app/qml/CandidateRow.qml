@@ -172,7 +172,8 @@ Item {
                         text: row.explanation
                         secondary: true
                         font.pixelSize: 10
-                        wrapMode: Text.Wrap
+                        elide: Text.ElideRight
+                        maximumLineCount: 1
                     }
                 }
                 Row {

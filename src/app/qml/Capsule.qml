@@ -17,7 +17,7 @@ Rectangle {
     Accessible.role: Accessible.StaticText
     Accessible.name: label.text
 
-    Text {
+    UiText {
         id: label
         anchors.centerIn: parent
         color: capsule.textColor

@@ -232,7 +232,7 @@ Item {
             }
             Repeater {
                 model: [{ x: 0, y: 12, size: 8 }, { x: 6, y: 5, size: 10 }, { x: 13, y: -3, size: 12 }]
-                Text {
+                UiText {
                     required property var modelData
                     x: modelData.x
                     y: modelData.y

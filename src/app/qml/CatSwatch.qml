@@ -16,9 +16,6 @@ AbstractButton {
     implicitWidth: 17
     implicitHeight: 17
     hoverEnabled: true
-    ToolTip.visible: hovered
-    ToolTip.delay: 500
-    ToolTip.text: label
     Accessible.role: Accessible.Button
     Accessible.name: label
     Accessible.description: label
@@ -26,6 +23,11 @@ AbstractButton {
     Accessible.checked: selected
     Keys.onReturnPressed: swatch.clicked()
     Accessible.onPressAction: swatch.clicked()
+
+    TextTip {
+        visible: swatch.hovered
+        text: swatch.label
+    }
 
     contentItem: Item {}
     background: Item {

@@ -144,7 +144,7 @@ LiquidCard {
                             color: Palette.ink
                             anchors.verticalCenter: parent.verticalCenter
                         }
-                        Text {
+                        UiText {
                             text: cutAllButton.text
                             color: Palette.ink
                             font.pixelSize: 11

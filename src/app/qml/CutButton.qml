@@ -20,14 +20,16 @@ AbstractButton {
     bottomPadding: 3
     hoverEnabled: true
     focusPolicy: Qt.StrongFocus
-    ToolTip.visible: hovered || visualFocus
-    ToolTip.delay: 500
-    ToolTip.text: tip
     Accessible.role: Accessible.Button
     Accessible.name: text
     Accessible.description: rowName + " — " + tip
     Keys.onReturnPressed: clicked()
     Keys.onEnterPressed: clicked()
+
+    TextTip {
+        visible: button.hovered || button.visualFocus
+        text: button.tip
+    }
 
     contentItem: Row {
         spacing: 3
@@ -37,7 +39,7 @@ AbstractButton {
             color: "white"
             anchors.verticalCenter: parent.verticalCenter
         }
-        Text {
+        UiText {
             text: button.text
             color: "white"
             font.pixelSize: 10

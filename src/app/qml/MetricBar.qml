@@ -60,9 +60,6 @@ Column {
             anchors.right: parent.right
             anchors.verticalCenter: parent.verticalCenter
             hoverEnabled: true
-            ToolTip.visible: hovered
-            ToolTip.delay: 600
-            ToolTip.text: tip
             Accessible.role: Accessible.Button
             Accessible.name: bar.title + " — " + tip
             Accessible.description: tip
@@ -71,6 +68,12 @@ Column {
             Keys.onReturnPressed: bar.toggle()
             Accessible.onPressAction: bar.toggle()
             onClicked: bar.toggle()
+
+            TextTip {
+                visible: chevron.hovered
+                delay: 600
+                text: chevron.tip
+            }
 
             contentItem: Item {
                 Symbol {

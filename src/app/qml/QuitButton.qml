@@ -18,7 +18,7 @@ AbstractButton {
     Keys.onReturnPressed: button.clicked()
     Accessible.onPressAction: button.clicked()
 
-    contentItem: Text {
+    contentItem: UiText {
         text: button.text
         font: button.font
         color: Palette.secondary

@@ -26,7 +26,7 @@ Rectangle {
             color: Palette.faded(Palette.ink, 0.85)
             anchors.verticalCenter: parent.verticalCenter
         }
-        Text {
+        UiText {
             text: chip.label
             font.pixelSize: 8
             font.weight: Font.DemiBold

@@ -4,8 +4,13 @@
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QQmlComponent>
+#include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickView>
+#include <QSignalSpy>
+#include <QTcpServer>
+#include <QTest>
 #include <gtest/gtest.h>
 
 namespace quelmo {
@@ -240,6 +245,67 @@ TEST(CleanupCardRender, MixedVerdictsHoverAndCriteria) {
     // The panel opens between the banner and the mascot.
     EXPECT_LT(topOf(criteria.root(), "aiBanner"), topOf(criteria.root(), "criteriaPanel"));
     EXPECT_LT(topOf(criteria.root(), "criteriaPanel"), topOf(criteria.root(), "catMascot"));
+}
+
+// Texts from outside the program (process names, window titles, chip names, the model's notes)
+// may look like markup: they are drawn as they are, fetch nothing and style nothing.
+TEST(CleanupCardRender, OutsideTextsAreDrawnAsPlainText) {
+    QTcpServer listener;
+    ASSERT_TRUE(listener.listen(QHostAddress::LocalHost));
+    int connections = 0;
+    QObject::connect(&listener, &QTcpServer::newConnection, [&] {
+        while (QTcpSocket* socket = listener.nextPendingConnection()) {
+            ++connections;
+            socket->close();
+        }
+    });
+    const QString markup = QStringLiteral("<img src=\"http://127.0.0.1:%1/x.png\"><b>Prints y</b> "
+                                          "forever")
+                               .arg(listener.serverPort());
+
+    QJsonObject state = cleanupState("cleanup-hovered");
+    QJsonObject verdicts = state.value("verdicts").toObject();
+    QJsonObject firefox = verdicts.value("Firefox ESR").toObject();
+    firefox.insert("explanation", markup);
+    verdicts.insert("Firefox ESR", firefox);
+    state.insert("verdicts", verdicts);
+    QJsonObject readings = state.value("readings").toObject();
+    readings.insert("chipName", markup);
+    state.insert("readings", readings);
+    state.insert("expanded", QJsonArray{"cleanup", "cpu"});
+    state.insert("topCPU", QJsonArray{QJsonObject{{"pid", 11}, {"name", markup}, {"cpu", 50.0}}});
+
+    PopoverPreview preview(PreviewState::fromJson(state));
+    ASSERT_TRUE(preview.root()) << preview.errors().toStdString();
+    preview.render();
+    QTest::qWait(300);
+    preview.render();
+    EXPECT_EQ(connections, 0);
+
+    QList<QQuickItem*> items;
+    collect(preview.root(), items);
+    int drawn = 0;
+    for (QQuickItem* item : items) {
+        if (!item->inherits("QQuickText"))
+            continue;
+        EXPECT_EQ(item->property("textFormat").toInt(), 0) // Text.PlainText
+            << item->property("text").toString().toStdString();
+        if (item->isVisible() && item->property("text").toString() == markup)
+            ++drawn;
+    }
+    // The explanation, the chip name and the process name, each as it came.
+    EXPECT_EQ(drawn, 3);
+
+    // Nor does anything else of the popover's engine reach beyond the machine's own files.
+    QQmlComponent image(preview.window().engine());
+    image.setData(QStringLiteral("import QtQuick\nImage { source: \"http://127.0.0.1:%1/y.png\" }")
+                      .arg(listener.serverPort())
+                      .toUtf8(),
+                  QUrl(QStringLiteral("qrc:/probe.qml")));
+    std::unique_ptr<QObject> probe(image.create());
+    ASSERT_TRUE(probe) << image.errorString().toStdString();
+    QTest::qWait(300);
+    EXPECT_EQ(connections, 0);
 }
 
 TEST(CleanupCardRender, KoreanCard) {

@@ -1,0 +1,17 @@
+import Quelmo 1.0
+import QtQuick
+import QtQuick.Controls.Basic
+
+// The popover's tooltip: its text is plain text like every other.
+ToolTip {
+    id: tip
+
+    delay: 500
+    contentItem: PlainText {
+        text: tip.text
+        color: Palette.ink
+        font.pixelSize: 11
+        wrapMode: Text.Wrap
+        Accessible.ignored: true
+    }
+}
