@@ -4,6 +4,7 @@
 #include <QList>
 #include <QObject>
 #include <QVariant>
+#include <QtQml/qqmlregistration.h>
 #include <functional>
 #include <optional>
 
@@ -15,6 +16,8 @@ namespace quelmo {
 // is drawn, each with the spring its latest change should move with.
 class CutSequence : public QObject {
     Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("made by the popover")
     Q_PROPERTY(int cutTrigger READ cutTrigger NOTIFY cutTriggerChanged)
     Q_PROPERTY(double catTravelY READ catTravelY NOTIFY catTravelYChanged)
     // Qt Quick SpringAnimation parameters of the latest move of the mascot.

@@ -6,6 +6,7 @@
 #include <QObject>
 #include <QPointer>
 #include <QStringList>
+#include <QtQml/qqmlregistration.h>
 #include <functional>
 #include <memory>
 
@@ -16,6 +17,8 @@ namespace quelmo {
 // screen it opens on, and the way out (Quit). One per popover window.
 class PopoverContext : public QObject {
     Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("made by the popover")
     // The hub, or anything with the same readings as properties (the preview program). While the
     // popover is hidden the views see a still copy of the last readings instead, so they do no
     // work on the hub's ticks.

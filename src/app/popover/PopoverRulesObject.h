@@ -4,6 +4,7 @@
 #include <QObject>
 #include <QStringList>
 #include <QVariantList>
+#include <QtQml/qqmlregistration.h>
 
 namespace quelmo {
 
@@ -12,6 +13,8 @@ namespace quelmo {
 // forwards to the tested rules.
 class PopoverRulesObject : public QObject {
     Q_OBJECT
+    QML_NAMED_ELEMENT(Rules)
+    QML_SINGLETON
 
 public:
     using QObject::QObject;

@@ -61,7 +61,7 @@ QuickPopoverSurface::QuickPopoverSurface(SystemMetrics& metrics,
     w.setFlags(Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
     w.setColor(Qt::transparent);
     w.setResizeMode(QQuickView::SizeRootObjectToView);
-    registerPopoverQml(*w.engine());
+    preparePopoverEngine(*w.engine());
     w.setInitialProperties({{QStringLiteral("context"), QVariant::fromValue(context_)},
                             {QStringLiteral("cleanup"), QVariant::fromValue(cleanup_)}});
     w.setSource(QUrl(QString::fromLatin1(popoverViewUrl)));

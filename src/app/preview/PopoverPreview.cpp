@@ -36,30 +36,6 @@ QList<ProcInfo> procsFrom(const QJsonArray& rows) {
     return procs;
 }
 
-const char mascotSheet[] = R"(
-import Quelmo 1.0
-import QtQuick
-Rectangle {
-    property bool hasTargets: false
-    width: 4 * 150
-    height: 84
-    color: Palette.bg
-    Row {
-        y: 10
-        Repeater {
-            model: Rules.catStyles()
-            CatMascot {
-                required property string modelData
-                width: 150
-                height: 64
-                styleRaw: modelData
-                hasTargets: parent.parent.hasTargets
-            }
-        }
-    }
-}
-)";
-
 } // namespace
 
 QVariantMap PreviewState::defaultReadings() {
@@ -145,10 +121,10 @@ PopoverPreview::PopoverPreview(const PreviewState& state)
     window_ = std::make_unique<QQuickView>();
     window_->setColor(Qt::transparent);
     window_->setResizeMode(QQuickView::SizeViewToRootObject);
-    registerPopoverQml(*window_->engine());
+    preparePopoverEngine(*window_->engine());
     if (state.view == QLatin1String("mascot")) {
-        auto* sheet = new QQmlComponent(window_->engine(), window_.get());
-        sheet->setData(mascotSheet, QUrl(QStringLiteral("qrc:/quelmo/qml/MascotSheet.qml")));
+        auto* sheet = new QQmlComponent(window_->engine(),
+                                        QUrl(QString::fromLatin1(mascotSheetUrl)), window_.get());
         auto* item = qobject_cast<QQuickItem*>(
             sheet->createWithInitialProperties({{QStringLiteral("hasTargets"), state.hasTargets}}));
         if (item)

@@ -1,4 +1,4 @@
-import Quelmo 1.0
+import Quelmo
 import QtQuick
 import QtQuick.Controls.Basic
 
@@ -46,14 +46,14 @@ AbstractButton {
                 text: banner.text
                 font.pixelSize: 10
                 font.weight: Font.DemiBold
-                color: Palette.ink
+                color: Colours.ink
                 anchors.verticalCenter: parent.verticalCenter
                 Accessible.ignored: true
             }
             Symbol {
                 name: "chevron.down"
                 size: 8
-                color: Palette.secondary
+                color: Colours.secondary
                 rotation: banner.showCriteria ? 180 : 0
                 anchors.verticalCenter: parent.verticalCenter
                 Behavior on rotation { NumberAnimation { duration: 200; easing.type: Easing.InOutQuad } }
@@ -66,7 +66,7 @@ AbstractButton {
             Symbol {
                 name: "lock.fill"
                 size: 8
-                color: Palette.secondary
+                color: Colours.secondary
                 anchors.verticalCenter: parent.verticalCenter
             }
             UiText {
@@ -82,10 +82,10 @@ AbstractButton {
         radius: height / 2
         gradient: Gradient {
             orientation: Gradient.Horizontal
-            GradientStop { position: 0; color: Palette.faded(Palette.pink, 0.28) }
-            GradientStop { position: 1; color: Palette.faded(Palette.lav, 0.28) }
+            GradientStop { position: 0; color: Colours.faded(Colours.pink, 0.28) }
+            GradientStop { position: 1; color: Colours.faded(Colours.lav, 0.28) }
         }
         border.width: banner.visualFocus ? 1.5 : 1
-        border.color: banner.visualFocus ? Palette.blue : Palette.faded(Palette.lav, 0.35)
+        border.color: banner.visualFocus ? Colours.blue : Colours.faded(Colours.lav, 0.35)
     }
 }

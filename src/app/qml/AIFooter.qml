@@ -1,4 +1,4 @@
-import Quelmo 1.0
+import Quelmo
 import QtQuick
 
 // The advisor's status line under the card.

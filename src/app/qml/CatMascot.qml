@@ -1,4 +1,4 @@
-import Quelmo 1.0
+import Quelmo
 import QtQuick
 
 // The mascot above the cleanup card's cut line. It dozes while there is nothing to cut, wanders,
@@ -117,8 +117,8 @@ Item {
                 name: "scissors"
                 size: 27
                 rotation: 74 + (mind.bladeClose ? 0 : 6 * mascot.snipPhase)
-                color: Palette.pink
-                gradientTo: Palette.blue
+                color: Colours.pink
+                gradientTo: Colours.blue
             }
         }
 
@@ -206,7 +206,7 @@ Item {
                             visible: mascot.eyesClosed
                             anchors.fill: parent
                             color: mascot.styleRaw === "black" ? mascot.eyeColor
-                                                               : Palette.faded(Palette.ink, 0.7)
+                                                               : Colours.faded(Colours.ink, 0.7)
                         }
                     }
                 }
@@ -239,7 +239,7 @@ Item {
                     text: "z"
                     font.pixelSize: modelData.size
                     font.bold: true
-                    color: Palette.lav
+                    color: Colours.lav
                     Accessible.ignored: true
                 }
             }

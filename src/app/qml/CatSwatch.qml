@@ -1,4 +1,4 @@
-import Quelmo 1.0
+import Quelmo
 import QtQuick
 import QtQuick.Controls.Basic
 
@@ -67,7 +67,7 @@ AbstractButton {
             radius: width / 2
             color: "transparent"
             border.width: swatch.selected ? 2.2 : 1
-            border.color: swatch.selected ? Palette.blue : Palette.faded(Palette.ink, 0.18)
+            border.color: swatch.selected ? Colours.blue : Colours.faded(Colours.ink, 0.18)
         }
         Rectangle {
             visible: swatch.visualFocus
@@ -76,7 +76,7 @@ AbstractButton {
             radius: width / 2
             color: "transparent"
             border.width: 1
-            border.color: Palette.blue
+            border.color: Colours.blue
         }
     }
 }

@@ -1,4 +1,4 @@
-import Quelmo 1.0
+import Quelmo
 import QtQuick
 import QtQuick.Controls.Basic
 
@@ -40,7 +40,7 @@ LiquidCard {
     }
 
     objectName: "cleanupCard"
-    tint: candidates.count > 0 ? Palette.pink : "transparent"
+    tint: candidates.count > 0 ? Colours.pink : "transparent"
     spacing: 8
     Accessible.role: Accessible.Grouping
     Accessible.name: texts.cutPick
@@ -88,7 +88,7 @@ LiquidCard {
             color: "transparent"
             radius: 6
             border.width: header.visualFocus ? 1.5 : 0
-            border.color: Palette.blue
+            border.color: Colours.blue
         }
         contentItem: Item {
             Row {
@@ -110,7 +110,7 @@ LiquidCard {
                     text: String(card.candidates.count)
                     font.pixelSize: 10
                     hPadding: 6
-                    color: Palette.faded(Palette.pink, 0.3)
+                    color: Colours.faded(Colours.pink, 0.3)
                     anchors.verticalCenter: parent.verticalCenter
                 }
             }
@@ -141,12 +141,12 @@ LiquidCard {
                         Symbol {
                             name: "scissors"
                             size: 10
-                            color: Palette.ink
+                            color: Colours.ink
                             anchors.verticalCenter: parent.verticalCenter
                         }
                         UiText {
                             text: cutAllButton.text
-                            color: Palette.ink
+                            color: Colours.ink
                             font.pixelSize: 11
                             font.weight: Font.DemiBold
                             anchors.verticalCenter: parent.verticalCenter
@@ -155,16 +155,16 @@ LiquidCard {
                     }
                     background: Rectangle {
                         radius: height / 2
-                        color: Palette.faded(Palette.pink, cutAllButton.down ? 0.75 : 0.55)
+                        color: Colours.faded(Colours.pink, cutAllButton.down ? 0.75 : 0.55)
                         border.width: cutAllButton.visualFocus ? 1.5 : 1
-                        border.color: cutAllButton.visualFocus ? Palette.blue
+                        border.color: cutAllButton.visualFocus ? Colours.blue
                                                                : Qt.rgba(1, 1, 1, 0.6)
                     }
                 }
                 Symbol {
                     name: "chevron.right"
                     size: 10
-                    color: Palette.secondary
+                    color: Colours.secondary
                     rotation: card.expanded ? 90 : 0
                     anchors.verticalCenter: parent.verticalCenter
                     Behavior on rotation { NumberAnimation { duration: 180; easing.type: Easing.InOutQuad } }
@@ -218,7 +218,7 @@ LiquidCard {
             y: mascot.height + 2
             width: parent.width - 4
             height: 2
-            color: Palette.faded(Palette.ink, 0.16)
+            color: Colours.faded(Colours.ink, 0.16)
             lineWidth: 2
             // In units of the line width; the square caps add one on each side of a dash.
             dashPattern: [2, 3.5]

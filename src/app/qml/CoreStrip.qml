@@ -1,4 +1,4 @@
-import Quelmo 1.0
+import Quelmo
 import QtQuick
 
 // One small bar per logical CPU, in order, sharing the width; an idle core keeps a 2 % sliver.
@@ -6,7 +6,7 @@ Row {
     id: strip
 
     property var cores: []
-    property color color: Palette.blue
+    property color color: Colours.blue
 
     width: parent ? parent.width : 0
     height: 18
@@ -24,7 +24,7 @@ Row {
             Rectangle {
                 anchors.fill: parent
                 radius: 2
-                color: Palette.faded(strip.color, 0.2)
+                color: Colours.faded(strip.color, 0.2)
             }
             Rectangle {
                 anchors.fill: parent

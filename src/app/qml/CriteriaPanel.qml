@@ -1,4 +1,4 @@
-import Quelmo 1.0
+import Quelmo
 import QtQuick
 
 // How candidates are picked: nine fixed items in three groups.
@@ -13,7 +13,7 @@ Rectangle {
     radius: 12
     color: Qt.rgba(1, 1, 1, 0.55)
     border.width: 1
-    border.color: Palette.faded(Palette.lav, 0.25)
+    border.color: Colours.faded(Colours.lav, 0.25)
 
     Column {
         id: body
@@ -35,7 +35,7 @@ Rectangle {
                 spacing: 6
                 CriteriaItem {
                     symbol: modelData.symbol
-                    tint: Palette[modelData.color]
+                    tint: Colours[modelData.color]
                     title: modelData.title
                     detail: modelData.detail
                 }
@@ -43,7 +43,7 @@ Rectangle {
                     visible: modelData.groupEnd
                     width: parent.width
                     height: 1
-                    color: Palette.faded(Palette.ink, 0.12)
+                    color: Colours.faded(Colours.ink, 0.12)
                 }
             }
         }

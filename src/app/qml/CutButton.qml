@@ -1,4 +1,4 @@
-import Quelmo 1.0
+import Quelmo
 import QtQuick
 import QtQuick.Controls.Basic
 
@@ -50,9 +50,9 @@ AbstractButton {
     }
     background: Rectangle {
         radius: height / 2
-        color: button.keep ? Palette.gray : Palette.rose
+        color: button.keep ? Colours.gray : Colours.rose
         opacity: button.down ? 0.8 : 1
         border.width: button.visualFocus ? 1.5 : 0
-        border.color: Palette.blue
+        border.color: Colours.blue
     }
 }

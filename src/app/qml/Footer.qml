@@ -1,4 +1,4 @@
-import Quelmo 1.0
+import Quelmo
 import QtQuick
 
 // Language, cat style, launch at login, and the refresh note with Quit.

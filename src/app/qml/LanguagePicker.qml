@@ -1,4 +1,4 @@
-import Quelmo 1.0
+import Quelmo
 import QtQuick
 import QtQuick.Controls.Basic
 
@@ -24,7 +24,7 @@ ComboBox {
         id: caption
         text: picker.displayText
         font.pixelSize: 11
-        color: Palette.ink
+        color: Colours.ink
         verticalAlignment: Text.AlignVCenter
         Accessible.ignored: true
     }
@@ -34,13 +34,13 @@ ComboBox {
         name: "chevron.right"
         rotation: 90
         size: 8
-        color: Palette.blue
+        color: Colours.blue
     }
     background: Rectangle {
         radius: 6
-        color: picker.pressed ? Palette.faded(Palette.blue, 0.25) : Palette.faded(Palette.blue, 0.14)
+        color: picker.pressed ? Colours.faded(Colours.blue, 0.25) : Colours.faded(Colours.blue, 0.14)
         border.width: picker.visualFocus ? 1 : 0
-        border.color: Palette.blue
+        border.color: Colours.blue
     }
     delegate: ItemDelegate {
         id: choice
@@ -60,7 +60,7 @@ ComboBox {
             Accessible.ignored: true
         }
         background: Rectangle {
-            color: choice.highlighted ? Palette.faded(Palette.blue, 0.2) : "transparent"
+            color: choice.highlighted ? Colours.faded(Colours.blue, 0.2) : "transparent"
             radius: 4
         }
     }

@@ -1,4 +1,4 @@
-import Quelmo 1.0
+import Quelmo
 import QtQuick
 
 // CPU (with the per-core strip, or the top CPU processes when expanded), GPU, Neural Engine and
@@ -23,7 +23,7 @@ LiquidCard {
         objectName: "cpuBar"
         title: "CPU"
         icon: "cpu"
-        color: Palette.blue
+        color: Colours.blue
         value: section.metrics.cpuTotal
         valueText: Rules.pct(section.metrics.cpuTotal)
         detail: section.metrics.coreSummary
@@ -38,7 +38,7 @@ LiquidCard {
         ProcessList {
             objectName: "topCPUList"
             procs: section.context.topCPU
-            color: Palette.blue
+            color: Colours.blue
             kind: "cpu"
             lang: section.lang
         }
@@ -49,14 +49,14 @@ LiquidCard {
         CoreStrip {
             objectName: "coreStrip"
             cores: section.metrics.cpuPerCore
-            color: Palette.blue
+            color: Colours.blue
         }
     }
     MetricBar {
         objectName: "gpuBar"
         title: "GPU"
         icon: "display"
-        color: Palette.lav
+        color: Colours.lav
         value: section.metrics.gpu
         valueText: Rules.pct(section.metrics.gpu)
         detail: Rules.watts(section.metrics.gpuWatts, 2)
@@ -65,7 +65,7 @@ LiquidCard {
         objectName: "aneBar"
         title: "Neural Engine"
         icon: "brain.head.profile"
-        color: Palette.pink
+        color: Colours.pink
         value: section.metrics.aneLoad
         valueText: Rules.watts(section.metrics.aneWatts, 2)
         detail: "ANE"
@@ -74,7 +74,7 @@ LiquidCard {
         objectName: "memoryBar"
         title: "Memory"
         icon: "memorychip"
-        color: Palette.sage
+        color: Colours.sage
         value: section.metrics.memFraction
         valueText: Rules.pct(section.metrics.memFraction)
         detail: Rules.memDetail(section.metrics.memUsed, section.metrics.memTotal)
@@ -89,7 +89,7 @@ LiquidCard {
         ProcessList {
             objectName: "topMemList"
             procs: section.context.topMem
-            color: Palette.sage
+            color: Colours.sage
             kind: "memory"
             lang: section.lang
         }

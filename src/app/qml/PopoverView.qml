@@ -1,4 +1,4 @@
-import Quelmo 1.0
+import Quelmo
 import QtQuick
 import QtQuick.Controls.Basic
 
@@ -43,12 +43,12 @@ Item {
         height: view.implicitHeight
         y: view.contentAtBottom ? view.height - height : 0
 
-        // Palette.bg at 0.2 over the light base, in one opaque fill (one blend less per frame).
+        // Colours.bg at 0.2 over the light base, in one opaque fill (one blend less per frame).
         Rectangle {
             anchors.fill: parent
-            color: Qt.tint(Palette.base, Palette.faded(Palette.bg, 0.2))
+            color: Qt.tint(Colours.base, Colours.faded(Colours.bg, 0.2))
             border.width: 1
-            border.color: Palette.faded(Palette.ink, 0.16)
+            border.color: Colours.faded(Colours.ink, 0.16)
         }
 
         Flickable {

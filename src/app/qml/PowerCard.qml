@@ -1,4 +1,4 @@
-import Quelmo 1.0
+import Quelmo
 import QtQuick
 
 // Total watts, the stacked bar of the four components and its legend.
@@ -18,7 +18,7 @@ LiquidCard {
             symbol: "bolt.fill"
             text: "Power"
             size: 12
-            color: Palette.peach
+            color: Colours.peach
             weight: Font.DemiBold
             anchors.verticalCenter: parent.verticalCenter
         }
@@ -40,9 +40,9 @@ LiquidCard {
 
     Row {
         spacing: 12
-        PowerLegend { color: Palette.blue; label: "CPU"; watts: card.metrics.cpuWatts }
-        PowerLegend { color: Palette.lav; label: "GPU"; watts: card.metrics.gpuWatts }
-        PowerLegend { color: Palette.pink; label: "ANE"; watts: card.metrics.aneWatts }
-        PowerLegend { color: Palette.gray; label: "RAM"; watts: card.metrics.dramWatts }
+        PowerLegend { color: Colours.blue; label: "CPU"; watts: card.metrics.cpuWatts }
+        PowerLegend { color: Colours.lav; label: "GPU"; watts: card.metrics.gpuWatts }
+        PowerLegend { color: Colours.pink; label: "ANE"; watts: card.metrics.aneWatts }
+        PowerLegend { color: Colours.gray; label: "RAM"; watts: card.metrics.dramWatts }
     }
 }

@@ -1,4 +1,4 @@
-import Quelmo 1.0
+import Quelmo
 import QtQuick
 
 // The top processes under an expanded bar: name, a bar scaled to the busiest one, and the figure.
@@ -7,7 +7,7 @@ Column {
     id: list
 
     property ProcessListModel procs
-    property color color: Palette.blue
+    property color color: Colours.blue
     // "cpu" or "memory"
     property string kind: "cpu"
     property string lang: "en"
@@ -61,12 +61,12 @@ Column {
                 Rectangle {
                     anchors.fill: parent
                     radius: height / 2
-                    color: Palette.faded(list.color, 0.2)
+                    color: Colours.faded(list.color, 0.2)
                 }
                 Rectangle {
                     height: parent.height
                     radius: height / 2
-                    color: Palette.faded(list.color, 0.65)
+                    color: Colours.faded(list.color, 0.65)
                     width: Rules.processFillWidth(track.width,
                                                   list.kind === "cpu" ? row.cpu : row.rss,
                                                   list.maxValue)

@@ -1,4 +1,4 @@
-import Quelmo 1.0
+import Quelmo
 import QtQuick
 
 // The logo: a cat holding scissors, in the chosen cat style, drawn in a 100 x 100 frame and
@@ -7,8 +7,8 @@ Item {
     id: logo
 
     property string styleRaw: "white"
-    property color pink: Palette.pink
-    property color blue: Palette.blue
+    property color pink: Colours.pink
+    property color blue: Colours.blue
 
     readonly property color fur: Rules.catFur(styleRaw)
     readonly property color outline: Rules.catOutline(styleRaw)
@@ -192,7 +192,7 @@ Item {
                     height: 1.2
                     radius: 0.6
                     rotation: modelData.angle
-                    color: Palette.faded(Palette.ink, 0.35)
+                    color: Colours.faded(Colours.ink, 0.35)
                 }
             }
         }

@@ -1,4 +1,4 @@
-import Quelmo 1.0
+import Quelmo
 import QtQuick
 import QtQuick.Controls.Basic
 
@@ -15,7 +15,7 @@ Row {
     Symbol {
         name: "dial.medium.fill"
         size: 9
-        color: Palette.secondary
+        color: Colours.secondary
         anchors.verticalCenter: parent.verticalCenter
     }
     UiText {
@@ -52,12 +52,12 @@ Row {
             width: slider.availableWidth
             height: 3
             radius: 1.5
-            color: Palette.track
+            color: Colours.track
             Rectangle {
                 width: slider.visualPosition * parent.width
                 height: parent.height
                 radius: 1.5
-                color: Palette.blue
+                color: Colours.blue
             }
         }
         handle: Rectangle {
@@ -68,7 +68,7 @@ Row {
             radius: 6
             color: "white"
             border.width: slider.visualFocus ? 1.5 : 0.5
-            border.color: slider.visualFocus ? Palette.blue : Palette.faded(Palette.ink, 0.3)
+            border.color: slider.visualFocus ? Colours.blue : Colours.faded(Colours.ink, 0.3)
         }
     }
     UiText {

@@ -1,4 +1,4 @@
-import Quelmo 1.0
+import Quelmo
 import QtQuick
 import QtQuick.Shapes
 
@@ -13,7 +13,7 @@ Item {
     property real dram
 
     readonly property var paths: Rules.powerSegmentPaths(cpu, gpu, ane, dram, width, height)
-    readonly property var colors: [Palette.blue, Palette.lav, Palette.pink, Palette.gray]
+    readonly property var colors: [Colours.blue, Colours.lav, Colours.pink, Colours.gray]
 
     width: parent ? parent.width : 0
     height: 8
@@ -21,7 +21,7 @@ Item {
     Rectangle {
         anchors.fill: parent
         radius: height / 2
-        color: Palette.track
+        color: Colours.track
     }
     Repeater {
         model: 4

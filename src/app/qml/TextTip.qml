@@ -1,4 +1,4 @@
-import Quelmo 1.0
+import Quelmo
 import QtQuick
 import QtQuick.Controls.Basic
 
@@ -9,7 +9,7 @@ ToolTip {
     delay: 500
     contentItem: PlainText {
         text: tip.text
-        color: Palette.ink
+        color: Colours.ink
         font.pixelSize: 11
         wrapMode: Text.Wrap
         Accessible.ignored: true

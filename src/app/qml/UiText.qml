@@ -1,4 +1,4 @@
-import Quelmo 1.0
+import Quelmo
 import QtQuick
 
 // A text of the popover, drawn as plain text, exposed to assistive technologies with its text as
@@ -9,7 +9,7 @@ PlainText {
 
     property bool secondary: false
 
-    color: secondary ? Palette.secondary : Palette.ink
+    color: secondary ? Colours.secondary : Colours.ink
     font.pixelSize: 12
     Accessible.role: Accessible.StaticText
     Accessible.name: text
