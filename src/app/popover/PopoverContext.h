@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/popover/LoopClock.h"
+#include "app/popover/PopoverReadings.h"
 #include "app/popover/ProcessListModel.h"
 
 #include <QObject>
@@ -19,10 +20,9 @@ class PopoverContext : public QObject {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("made by the popover")
-    // The hub, or anything with the same readings as properties (the preview program). While the
-    // popover is hidden the views see a still copy of the last readings instead, so they do no
-    // work on the hub's ticks.
-    Q_PROPERTY(QObject* metrics READ metrics NOTIFY metricsChanged)
+    // The machine's readings. While the popover is hidden they stay as they were when it was
+    // last shown, so the views do no work on the hub's ticks; showing it brings them up to date.
+    Q_PROPERTY(quelmo::PopoverReadings* readings READ readings CONSTANT)
     Q_PROPERTY(quelmo::ProcessListModel* topCPU READ topCPU CONSTANT)
     Q_PROPERTY(quelmo::ProcessListModel* topMem READ topMem CONSTANT)
     Q_PROPERTY(QString langRaw READ langRaw WRITE setLangRaw NOTIFY langRawChanged)
@@ -48,9 +48,11 @@ public:
     };
 
     // Without hooks the real autostart entry is used and a language change asks nothing more.
-    explicit PopoverContext(QObject* metrics, Hooks hooks = {}, QObject* parent = nullptr);
+    explicit PopoverContext(Hooks hooks = {}, QObject* parent = nullptr);
 
-    QObject* metrics() const;
+    PopoverReadings* readings() { return &readings_; }
+    // The latest readings: shown at once while the popover is, else when it next shows.
+    void setReadings(const Readings& latest);
     ProcessListModel* topCPU() { return &topCPU_; }
     ProcessListModel* topMem() { return &topMem_; }
 
@@ -80,7 +82,6 @@ public:
     Q_INVOKABLE void quit() { emit quitRequested(); }
 
 signals:
-    void metricsChanged();
     void langRawChanged();
     void catStyleRawChanged();
     void launchAtLoginChanged();
@@ -89,8 +90,8 @@ signals:
     void quitRequested();
 
 private:
-    QPointer<QObject> metrics_;
-    std::unique_ptr<QObject> stillMetrics_; // the readings when the popover was hidden
+    PopoverReadings readings_;
+    Readings latest_;
     Hooks hooks_;
     ProcessListModel topCPU_;
     ProcessListModel topMem_;

@@ -19,6 +19,27 @@
 
 namespace quelmo {
 
+namespace {
+
+Readings readingsOf(const SystemMetrics& hub) {
+    return {.cpuTotal = hub.cpuTotal(),
+            .cpuPerCore = hub.cpuPerCore(),
+            .gpu = hub.gpu(),
+            .aneLoad = hub.aneLoad(),
+            .memUsed = hub.memUsed(),
+            .memTotal = hub.memTotal(),
+            .memFraction = hub.memFraction(),
+            .cpuWatts = hub.cpuWatts(),
+            .gpuWatts = hub.gpuWatts(),
+            .aneWatts = hub.aneWatts(),
+            .dramWatts = hub.dramWatts(),
+            .totalWatts = hub.totalWatts(),
+            .chipName = hub.chipName(),
+            .coreSummary = hub.coreSummary()};
+}
+
+} // namespace
+
 class QuickPopoverSurface::Window : public QQuickView {
 public:
     explicit Window(QuickPopoverSurface& owner) : owner_(owner) {}
@@ -46,7 +67,10 @@ QuickPopoverSurface::QuickPopoverSurface(SystemMetrics& metrics,
     hooks.launchAtLoginEnabled = [this] { return loginItem_->isEnabled(); };
     // Verdicts are asked for again in the new language.
     hooks.languageChanged = [&metrics] { metrics.reevaluateAI(); };
-    context_ = new PopoverContext(&metrics, std::move(hooks), this);
+    context_ = new PopoverContext(std::move(hooks), this);
+    context_->setReadings(readingsOf(metrics));
+    connect(&metrics, &SystemMetrics::ticked, context_,
+            [this, &metrics] { context_->setReadings(readingsOf(metrics)); });
     connect(&metrics, &SystemMetrics::topCPUChanged, context_,
             [this, &metrics] { context_->topCPU()->setRows(metrics.topCPU()); });
     connect(&metrics, &SystemMetrics::topMemChanged, context_,

@@ -12,7 +12,6 @@
 #include <QJsonArray>
 #include <QQmlComponent>
 #include <QQmlEngine>
-#include <QQmlPropertyMap>
 #include <QQuickItem>
 #include <QQuickView>
 #include <cmath>
@@ -86,10 +85,34 @@ PreviewState PreviewState::fromJson(const QJsonObject& json) {
     return state;
 }
 
-PopoverPreview::PopoverPreview(const PreviewState& state)
-    : metrics_(std::make_unique<QQmlPropertyMap>()) {
-    for (auto it = state.readings.begin(); it != state.readings.end(); ++it)
-        metrics_->insert(it.key(), it.value());
+namespace {
+
+Readings readingsFrom(const QVariantMap& map) {
+    const auto number = [&map](const char* key) {
+        return map.value(QLatin1String(key)).toDouble();
+    };
+    QList<double> perCore;
+    for (const QVariant& core : map.value(QStringLiteral("cpuPerCore")).toList())
+        perCore.append(core.toDouble());
+    return {.cpuTotal = number("cpuTotal"),
+            .cpuPerCore = perCore,
+            .gpu = number("gpu"),
+            .aneLoad = number("aneLoad"),
+            .memUsed = number("memUsed"),
+            .memTotal = number("memTotal"),
+            .memFraction = number("memFraction"),
+            .cpuWatts = number("cpuWatts"),
+            .gpuWatts = number("gpuWatts"),
+            .aneWatts = number("aneWatts"),
+            .dramWatts = number("dramWatts"),
+            .totalWatts = number("totalWatts"),
+            .chipName = map.value(QStringLiteral("chipName")).toString(),
+            .coreSummary = map.value(QStringLiteral("coreSummary")).toString()};
+}
+
+} // namespace
+
+PopoverPreview::PopoverPreview(const PreviewState& state) {
 
     // The preview's settings: stored where the caller keeps them (a private folder), read back
     // by the context like the program's own.
@@ -97,9 +120,12 @@ PopoverPreview::PopoverPreview(const PreviewState& state)
     Preferences::setCatStyleRaw(state.catStyle);
     const bool login = state.launchAtLogin;
     context_ = std::make_unique<PopoverContext>(
-        metrics_.get(), PopoverContext::Hooks{.languageChanged = {},
-                                              .setLaunchAtLogin = [](bool) { return true; },
-                                              .launchAtLoginEnabled = [login] { return login; }});
+        PopoverContext::Hooks{.languageChanged = {},
+                              .setLaunchAtLogin = [](bool) { return true; },
+                              .launchAtLoginEnabled = [login] { return login; }});
+    // Shown once to take the readings, then still: the loops would make every picture different.
+    context_->setReadings(readingsFrom(state.readings));
+    context_->setShown(true);
     context_->topCPU()->setRows(state.topCPU);
     context_->topMem()->setRows(state.topMem);
     context_->setMaxHeight(PopoverRules::maxHeight(state.screenHeight));

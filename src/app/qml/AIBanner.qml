@@ -7,7 +7,7 @@ import QtQuick.Controls.Basic
 AbstractButton {
     id: banner
 
-    required property QtObject feed
+    required property CleanupFeed feed
     property bool showCriteria: false
 
     objectName: "aiBanner"

@@ -5,7 +5,7 @@ import QtQuick
 Row {
     id: footer
 
-    required property QtObject feed
+    required property CleanupFeed feed
 
     objectName: "aiFooter"
     width: parent ? parent.width : 0

@@ -9,7 +9,7 @@ Item {
 
     // From the candidate model.
     required property int index
-    required property var pid
+    required property int pid
     required property string title
     required property string reasonLabel
     required property string reasonSymbol

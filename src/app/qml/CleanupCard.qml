@@ -5,16 +5,23 @@ import QtQuick.Controls.Basic
 // The cleanup card: the header with the count and "Cut all", the advisor's banner and criteria,
 // the mascot above the cut line, one row per candidate, the sensitivity slider and the advisor's
 // status. Its state (open or not, criteria shown, the row under the pointer) lives in the
-// popover's view; the cut itself in `feed.cut`.
+// popover's view, which the card asks to change it; the cut itself in `feed.cut`.
 LiquidCard {
     id: card
 
-    // The popover view whose state the card shows and changes.
-    required property Item popover
-    required property QtObject feed
+    required property CleanupFeed feed
+    required property bool expanded
+    required property bool showCriteria
+    required property int hoveredID
+    required property string lang
+    required property string catStyleRaw
+    required property LoopClock loops
 
-    readonly property var candidates: feed.candidates
-    readonly property bool expanded: popover.expanded.indexOf("cleanup") >= 0
+    signal toggleRequested
+    signal criteriaToggled
+    signal hoverRequested(int pid)
+
+    readonly property CandidateListModel candidates: feed.candidates
     readonly property var texts: feed.texts
     // The mascot's distance below its lane, following the cut sequence on its springs.
     property real catTravelY: 0
@@ -31,9 +38,7 @@ LiquidCard {
         return ys
     }
     function cutRow(pid) {
-        const ys = rowYs()
-        popover.rowYs = ys
-        feed.cut.cut([pid], pid, ys)
+        feed.cut.cut([pid], pid, rowYs())
     }
     function cutAll() {
         feed.cut.cut(candidates.cutTargetPids(), undefined, {})
@@ -46,7 +51,7 @@ LiquidCard {
     Accessible.name: texts.cutPick
 
     Connections {
-        target: card.popover
+        target: card
         function onLangChanged() { card.feed.refreshLanguage() }
     }
     Connections {
@@ -82,7 +87,7 @@ LiquidCard {
         Accessible.checked: card.expanded
         Keys.onReturnPressed: clicked()
         Keys.onEnterPressed: clicked()
-        onClicked: card.popover.toggle("cleanup")
+        onClicked: card.toggleRequested()
 
         background: Rectangle {
             color: "transparent"
@@ -179,11 +184,11 @@ LiquidCard {
         gap: card.spacing
         AIBanner {
             feed: card.feed
-            showCriteria: card.popover.showCriteria
-            onClicked: card.popover.showCriteria = !card.popover.showCriteria
+            showCriteria: card.showCriteria
+            onClicked: card.criteriaToggled()
         }
         Reveal {
-            open: card.popover.showCriteria
+            open: card.showCriteria
             duration: 200
             gap: 8
             // The gap between the banner and the panel, inside the part that opens.
@@ -210,8 +215,8 @@ LiquidCard {
             trigger: card.feed.cut.cutTrigger
             hasTargets: card.candidates.cutTargetCount > 0
             travelY: card.catTravelY
-            styleRaw: card.popover.context.catStyleRaw
-            loops: card.popover.context.loops
+            styleRaw: card.catStyleRaw
+            loops: card.loops
         }
         DashLine {
             x: 2
@@ -252,16 +257,17 @@ LiquidCard {
             Accessible.name: card.texts.cutPick
 
             delegate: CandidateRow {
-                hovered: card.popover.hoveredID === pid
+                id: candidate
+                hovered: card.hoveredID === candidate.pid
                 advisorAvailable: card.feed.advisorAvailable
                 texts: card.texts
                 onHoverChanged: inside => {
                     if (inside)
-                        card.popover.hoveredID = pid
-                    else if (card.popover.hoveredID === pid)
-                        card.popover.hoveredID = -1
+                        card.hoverRequested(candidate.pid)
+                    else if (card.hoveredID === candidate.pid)
+                        card.hoverRequested(-1)
                 }
-                onCutPressed: card.cutRow(pid)
+                onCutPressed: card.cutRow(candidate.pid)
             }
             add: Transition {
                 NumberAnimation { property: "opacity"; from: 0; to: 1; duration: 250; easing.type: Easing.InOutQuad }

@@ -5,7 +5,7 @@ import QtQuick
 Rectangle {
     id: panel
 
-    required property QtObject feed
+    required property CleanupFeed feed
 
     objectName: "criteriaPanel"
     width: parent ? parent.width : 0

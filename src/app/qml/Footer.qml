@@ -5,7 +5,7 @@ import QtQuick
 Column {
     id: footer
 
-    required property QtObject context
+    required property PopoverContext context
     readonly property string lang: context.lang
 
     objectName: "footer"

@@ -6,7 +6,7 @@ import QtQuick.Controls.Basic
 ComboBox {
     id: picker
 
-    required property QtObject context
+    required property PopoverContext context
 
     objectName: "languagePicker"
     model: context.langChoices

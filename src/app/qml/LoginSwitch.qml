@@ -7,7 +7,7 @@ import QtQuick.Controls.Basic
 Switch {
     id: toggle
 
-    required property QtObject context
+    required property PopoverContext context
     property string lang: "en"
 
     objectName: "loginSwitch"

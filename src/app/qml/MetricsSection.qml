@@ -6,8 +6,8 @@ import QtQuick
 LiquidCard {
     id: section
 
-    required property QtObject metrics
-    required property QtObject context
+    required property PopoverReadings readings
+    required property PopoverContext context
     property var expanded: []
     property string lang: "en"
 
@@ -24,9 +24,9 @@ LiquidCard {
         title: "CPU"
         icon: "cpu"
         color: Colours.blue
-        value: section.metrics.cpuTotal
-        valueText: Rules.pct(section.metrics.cpuTotal)
-        detail: section.metrics.coreSummary
+        value: section.readings.cpuTotal
+        valueText: Rules.pct(section.readings.cpuTotal)
+        detail: section.readings.coreSummary
         expandable: true
         isExpanded: section.cpuExpanded
         lang: section.lang
@@ -44,11 +44,11 @@ LiquidCard {
         }
     }
     Reveal {
-        open: !section.cpuExpanded && section.metrics.cpuPerCore.length > 0
+        open: !section.cpuExpanded && section.readings.cpuPerCore.length > 0
         gap: section.spacing
         CoreStrip {
             objectName: "coreStrip"
-            cores: section.metrics.cpuPerCore
+            cores: section.readings.cpuPerCore
             color: Colours.blue
         }
     }
@@ -57,17 +57,17 @@ LiquidCard {
         title: "GPU"
         icon: "display"
         color: Colours.lav
-        value: section.metrics.gpu
-        valueText: Rules.pct(section.metrics.gpu)
-        detail: Rules.watts(section.metrics.gpuWatts, 2)
+        value: section.readings.gpu
+        valueText: Rules.pct(section.readings.gpu)
+        detail: Rules.watts(section.readings.gpuWatts, 2)
     }
     MetricBar {
         objectName: "aneBar"
         title: "Neural Engine"
         icon: "brain.head.profile"
         color: Colours.pink
-        value: section.metrics.aneLoad
-        valueText: Rules.watts(section.metrics.aneWatts, 2)
+        value: section.readings.aneLoad
+        valueText: Rules.watts(section.readings.aneWatts, 2)
         detail: "ANE"
     }
     MetricBar {
@@ -75,9 +75,9 @@ LiquidCard {
         title: "Memory"
         icon: "memorychip"
         color: Colours.sage
-        value: section.metrics.memFraction
-        valueText: Rules.pct(section.metrics.memFraction)
-        detail: Rules.memDetail(section.metrics.memUsed, section.metrics.memTotal)
+        value: section.readings.memFraction
+        valueText: Rules.pct(section.readings.memFraction)
+        detail: Rules.memDetail(section.readings.memUsed, section.readings.memTotal)
         expandable: true
         isExpanded: section.memoryExpanded
         lang: section.lang

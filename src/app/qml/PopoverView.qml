@@ -10,17 +10,14 @@ Item {
     required property PopoverContext context
     // What the cleanup card shows and cuts with; no card without it.
     property CleanupFeed cleanup: null
-    readonly property QtObject metrics: context.metrics
+    readonly property PopoverReadings readings: context.readings
     readonly property string lang: context.lang
 
     // Which collapsible sections are open: "cpu", "memory", "cleanup".
     property var expanded: []
     // The cleanup card's state (the card fills `cleanupCardSlot`).
-    property int cutTrigger: 0
     property bool showCriteria: false
     property int hoveredID: -1
-    property var rowYs: ({})
-    property real catTravelY: 0
 
     readonly property real contentHeight: stack.implicitHeight + 2 * stack.y
     readonly property real maxHeight: context.maxHeight
@@ -72,8 +69,8 @@ Item {
                 spacing: 12
 
                 Header {
-                    chipName: view.metrics.chipName
-                    totalWatts: view.metrics.totalWatts
+                    chipName: view.readings.chipName
+                    totalWatts: view.readings.totalWatts
                     styleRaw: view.context.catStyleRaw
                     loops: view.context.loops
                 }
@@ -89,13 +86,21 @@ Item {
                 Component {
                     id: cleanupCard
                     CleanupCard {
-                        popover: view
                         feed: view.cleanup
+                        expanded: view.expanded.indexOf("cleanup") >= 0
+                        showCriteria: view.showCriteria
+                        hoveredID: view.hoveredID
+                        lang: view.lang
+                        catStyleRaw: view.context.catStyleRaw
+                        loops: view.context.loops
+                        onToggleRequested: view.toggle("cleanup")
+                        onCriteriaToggled: view.showCriteria = !view.showCriteria
+                        onHoverRequested: pid => view.hoveredID = pid
                     }
                 }
 
                 MetricsSection {
-                    metrics: view.metrics
+                    readings: view.readings
                     context: view.context
                     expanded: view.expanded
                     lang: view.lang
@@ -103,7 +108,7 @@ Item {
                 }
 
                 PowerCard {
-                    metrics: view.metrics
+                    readings: view.readings
                 }
 
                 Footer {

@@ -6,7 +6,7 @@ import QtQuick.Controls.Basic
 Row {
     id: row
 
-    required property QtObject feed
+    required property CleanupFeed feed
 
     objectName: "sensitivityRow"
     width: parent ? parent.width : 0

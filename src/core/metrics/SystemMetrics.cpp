@@ -108,8 +108,7 @@ void SystemMetrics::update() {
 
     if (pollProcesses_)
         refreshProcesses();
-    if (onUpdate)
-        onUpdate();
+    emit ticked();
 }
 
 void SystemMetrics::savePending() {

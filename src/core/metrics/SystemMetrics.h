@@ -96,7 +96,6 @@ public:
     QString chipName() const { return chipName_; }
     QString coreSummary() const { return coreSummary_; }
     double memoryGB() const { return memoryGB_; }
-    std::function<void()> onUpdate;
 
     const QSet<qint64>& cuttingPIDs() const { return cuttingPIDs_; }
     const QList<AIQueueEntry>& aiQueue() const { return queue_.entries(); }
@@ -123,6 +122,8 @@ signals:
     void cleanupCandidatesChanged();
     void aiVerdictsChanged();
     void sensitivityChanged();
+    // After every refresh, once each reading has told its own change.
+    void ticked();
 
 private:
     QList<CleanupCandidate> computeCleanupCandidates(const std::vector<ProcInfo>& procs) const;
