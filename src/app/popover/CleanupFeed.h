@@ -20,8 +20,8 @@ class CleanupFeed : public QObject {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("made by the popover")
-    Q_PROPERTY(CandidateListModel* candidates READ candidates CONSTANT)
-    Q_PROPERTY(CutSequence* cut READ cut CONSTANT)
+    Q_PROPERTY(quelmo::CandidateListModel* candidates READ candidates CONSTANT)
+    Q_PROPERTY(quelmo::CutSequence* cut READ cut CONSTANT)
     Q_PROPERTY(bool advisorAvailable READ advisorAvailable NOTIFY advisorChanged)
     Q_PROPERTY(QString footerText READ footerText NOTIFY advisorChanged)
     Q_PROPERTY(double sensitivity READ sensitivity WRITE setSensitivity NOTIFY sensitivityChanged)

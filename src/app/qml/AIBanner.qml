@@ -8,6 +8,8 @@ AbstractButton {
     id: banner
 
     required property CleanupFeed feed
+    // The card's fixed texts in the current language, by key.
+    readonly property var texts: feed.texts
     property bool showCriteria: false
 
     objectName: "aiBanner"
@@ -18,10 +20,10 @@ AbstractButton {
     bottomPadding: 5
     hoverEnabled: true
     focusPolicy: Qt.StrongFocus
-    text: feed.advisorAvailable ? feed.texts.judgedByAI : feed.texts.aiNotesOff
+    text: feed.advisorAvailable ? banner.texts.judgedByAI : banner.texts.aiNotesOff
     Accessible.role: Accessible.Button
     Accessible.name: text
-    Accessible.description: feed.texts.seeHowItDecides
+    Accessible.description: banner.texts.seeHowItDecides
     Accessible.checkable: true
     Accessible.checked: showCriteria
     Keys.onReturnPressed: clicked()
@@ -29,7 +31,7 @@ AbstractButton {
 
     TextTip {
         visible: banner.hovered || banner.visualFocus
-        text: banner.feed.texts.seeHowItDecides
+        text: banner.texts.seeHowItDecides
     }
 
     contentItem: Item {
@@ -70,7 +72,7 @@ AbstractButton {
                 anchors.verticalCenter: parent.verticalCenter
             }
             UiText {
-                text: banner.feed.texts.onDevice
+                text: banner.texts.onDevice
                 secondary: true
                 font.pixelSize: 8
                 font.weight: Font.Medium

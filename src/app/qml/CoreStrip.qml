@@ -1,3 +1,4 @@
+pragma ComponentBehavior: Bound
 import Quelmo
 import QtQuick
 
@@ -16,6 +17,7 @@ Row {
         model: strip.cores.length
 
         Item {
+            id: core
             required property int index
 
             width: (strip.width - strip.spacing * (strip.cores.length - 1)) / strip.cores.length
@@ -32,7 +34,7 @@ Row {
                 color: strip.color
                 transform: Scale {
                     origin.y: strip.height
-                    yScale: Rules.coreFillScale(strip.cores[index])
+                    yScale: Rules.coreFillScale(strip.cores[core.index])
                 }
             }
         }

@@ -1,3 +1,4 @@
+pragma ComponentBehavior: Bound
 import Quelmo
 import QtQuick
 
@@ -6,6 +7,8 @@ Rectangle {
     id: panel
 
     required property CleanupFeed feed
+    // The card's fixed texts in the current language, by key.
+    readonly property var texts: feed.texts
 
     objectName: "criteriaPanel"
     width: parent ? parent.width : 0
@@ -23,24 +26,25 @@ Rectangle {
         spacing: 6
 
         UiText {
-            text: panel.feed.texts.criteriaTitle
+            text: panel.texts.criteriaTitle
             font.pixelSize: 10
             font.bold: true
         }
         Repeater {
             model: panel.feed.criteriaItems
             Column {
+                id: criterion
                 required property var modelData
                 width: body.width
                 spacing: 6
                 CriteriaItem {
-                    symbol: modelData.symbol
-                    tint: Colours[modelData.color]
-                    title: modelData.title
-                    detail: modelData.detail
+                    symbol: criterion.modelData.symbol
+                    tint: Colours[criterion.modelData.color]
+                    title: criterion.modelData.title
+                    detail: criterion.modelData.detail
                 }
                 Rectangle {
-                    visible: modelData.groupEnd
+                    visible: criterion.modelData.groupEnd
                     width: parent.width
                     height: 1
                     color: Colours.faded(Colours.ink, 0.12)

@@ -1,3 +1,4 @@
+pragma ComponentBehavior: Bound
 import Quelmo
 import QtQuick
 import QtQuick.Controls.Basic
@@ -10,7 +11,7 @@ ComboBox {
 
     objectName: "languagePicker"
     model: context.langChoices
-    currentIndex: context.langChoices.indexOf(context.langRaw)
+    currentIndex: context.langChoiceIndex
     displayText: Rules.languageChoiceLabel(context.langRaw, context.lang)
     font.pixelSize: 11
     implicitHeight: 20

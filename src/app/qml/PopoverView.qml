@@ -1,3 +1,4 @@
+pragma ComponentBehavior: Bound
 import Quelmo
 import QtQuick
 import QtQuick.Controls.Basic
@@ -8,8 +9,8 @@ Item {
     id: view
 
     required property PopoverContext context
-    // What the cleanup card shows and cuts with; no card without it.
-    property CleanupFeed cleanup: null
+    // What the cleanup card shows and cuts with.
+    required property CleanupFeed cleanup
     readonly property PopoverReadings readings: context.readings
     readonly property string lang: context.lang
 
@@ -75,17 +76,14 @@ Item {
                     loops: view.context.loops
                 }
 
-                // The cleanup card goes here, between the header and the metrics.
-                Loader {
-                    id: cleanupCardSlot
+                // The cleanup card, between the header and the metrics.
+                Item {
                     objectName: "cleanupCardSlot"
                     width: parent.width
-                    visible: item !== null
-                    sourceComponent: view.cleanup ? cleanupCard : null
-                }
-                Component {
-                    id: cleanupCard
+                    implicitHeight: cleanupCard.implicitHeight
                     CleanupCard {
+                        id: cleanupCard
+                        width: parent.width
                         feed: view.cleanup
                         expanded: view.expanded.indexOf("cleanup") >= 0
                         showCriteria: view.showCriteria
@@ -116,5 +114,12 @@ Item {
                 }
             }
         }
+    }
+
+    // The one tooltip of the texts cut to their width (see UiText).
+    TextTip {
+        parent: CutTextTip.owner ? CutTextTip.owner : view
+        visible: CutTextTip.owner !== null
+        text: CutTextTip.text
     }
 }

@@ -7,6 +7,8 @@ Row {
     id: row
 
     required property CleanupFeed feed
+    // The card's fixed texts in the current language, by key.
+    readonly property var texts: feed.texts
 
     objectName: "sensitivityRow"
     width: parent ? parent.width : 0
@@ -19,14 +21,14 @@ Row {
         anchors.verticalCenter: parent.verticalCenter
     }
     UiText {
-        text: row.feed.texts.sensitivity
+        text: row.texts.sensitivity
         secondary: true
         font.pixelSize: 9
         font.weight: Font.Medium
         anchors.verticalCenter: parent.verticalCenter
     }
     UiText {
-        text: row.feed.texts.lax
+        text: row.texts.lax
         secondary: true
         font.pixelSize: 8
         anchors.verticalCenter: parent.verticalCenter
@@ -43,7 +45,7 @@ Row {
         padding: 0
         focusPolicy: Qt.StrongFocus
         anchors.verticalCenter: parent.verticalCenter
-        Accessible.name: row.feed.texts.sensitivity
+        Accessible.name: row.texts.sensitivity
         onMoved: row.feed.sensitivity = value
 
         background: Rectangle {
@@ -73,7 +75,7 @@ Row {
     }
     UiText {
         id: keen
-        text: row.feed.texts.keen
+        text: row.texts.keen
         secondary: true
         font.pixelSize: 8
         anchors.verticalCenter: parent.verticalCenter

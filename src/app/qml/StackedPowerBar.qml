@@ -1,3 +1,4 @@
+pragma ComponentBehavior: Bound
 import Quelmo
 import QtQuick
 import QtQuick.Shapes
@@ -27,14 +28,15 @@ Item {
         model: 4
 
         Shape {
+            id: segment
             required property int index
 
             anchors.fill: parent
             ShapePath {
                 strokeWidth: -1
                 strokeColor: "transparent"
-                fillColor: bar.colors[index]
-                PathSvg { path: bar.paths[index] }
+                fillColor: bar.colors[segment.index]
+                PathSvg { path: bar.paths[segment.index] }
             }
         }
     }

@@ -15,15 +15,16 @@ PlainText {
     Accessible.name: text
     Accessible.description: truncated ? text : ""
 
-    // Only a cut text carries the pointer's tooltip.
-    Loader {
-        anchors.fill: parent
-        active: label.truncated
-        sourceComponent: Item {
-            HoverHandler { id: pointer }
-            TextTip {
-                visible: pointer.hovered
-                text: label.text
+    // A cut text under the pointer shows the popover's one tooltip for such texts.
+    HoverHandler {
+        id: pointer
+        enabled: label.truncated
+        onHoveredChanged: {
+            if (pointer.hovered) {
+                CutTextTip.text = label.text
+                CutTextTip.owner = label
+            } else if (CutTextTip.owner === label) {
+                CutTextTip.owner = null
             }
         }
     }
