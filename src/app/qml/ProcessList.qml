@@ -43,11 +43,13 @@ Column {
 
             UiText {
                 id: label
+                objectName: "processName"
                 text: row.name
                 font.pixelSize: 11
                 elide: Text.ElideMiddle
                 maximumLineCount: 1
-                width: Math.min(implicitWidth, 150)
+                // One width for every name, so equal values draw equal bars.
+                width: 150
                 anchors.verticalCenter: parent.verticalCenter
             }
             Item {
@@ -75,6 +77,7 @@ Column {
             }
             UiText {
                 id: figure
+                objectName: "processFigure"
                 width: 52
                 anchors.right: parent.right
                 anchors.verticalCenter: parent.verticalCenter

@@ -2,6 +2,7 @@
 
 #include <QAccessible>
 #include <QFile>
+#include <QFontMetricsF>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QQmlComponent>
@@ -127,6 +128,44 @@ TEST(PopoverRender, KoreanLabelsInKorean) {
         EXPECT_TRUE(texts.contains(QString::fromUtf8(expected))) << expected;
     EXPECT_FALSE(texts.contains("Quit"));
     EXPECT_FALSE(texts.contains("Language"));
+}
+
+// The process lists: one name column, so equal values draw equal bars whatever the names; figures
+// in digits of one width, so they do not jitter as they change; a name cut to the column tells
+// its whole self to the pointer and to assistive technologies.
+TEST(PopoverRender, ProcessListsAlignTheirBarsAndFigures) {
+    QJsonObject state = exampleState("en", "white", QJsonArray{"cpu"});
+    const QString longName = QStringLiteral("a-process-with-a-name-far-too-long-for-its-column");
+    state.insert("topCPU", QJsonArray{QJsonObject{{"pid", 11}, {"name", "sh"}, {"cpu", 50.0}},
+                                      QJsonObject{{"pid", 12}, {"name", longName}, {"cpu", 50.0}}});
+    PopoverPreview preview(PreviewState::fromJson(state));
+    ASSERT_TRUE(preview.root()) << preview.errors().toStdString();
+    preview.render();
+
+    QList<QQuickItem*> items;
+    collect(preview.root(), items);
+    QList<QQuickItem*> names;
+    QList<QQuickItem*> figures;
+    for (QQuickItem* item : items) {
+        if (item->objectName() == QLatin1String("processName") && item->isVisible())
+            names.append(item);
+        if (item->objectName() == QLatin1String("processFigure") && item->isVisible())
+            figures.append(item);
+    }
+    ASSERT_EQ(names.size(), 2);
+    EXPECT_EQ(names[0]->width(), 150);
+    EXPECT_EQ(names[1]->width(), 150);
+
+    QQuickItem* cut = names[0]->property("text") == longName ? names[0] : names[1];
+    EXPECT_TRUE(cut->property("truncated").toBool());
+    QAccessibleInterface* about = QAccessible::queryAccessibleInterface(cut);
+    ASSERT_TRUE(about);
+    EXPECT_EQ(about->text(QAccessible::Description), longName);
+
+    ASSERT_FALSE(figures.isEmpty());
+    const QFontMetricsF metrics(figures[0]->property("font").value<QFont>());
+    EXPECT_EQ(metrics.horizontalAdvance(QStringLiteral("1111")),
+              metrics.horizontalAdvance(QStringLiteral("0000")));
 }
 
 // Pixels of the logo within a few levels of `colour`.
