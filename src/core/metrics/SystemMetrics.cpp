@@ -205,10 +205,6 @@ void SystemMetrics::queueAIEvaluations() {
     queue_.queueCandidates(cleanupCandidates_);
 }
 
-void SystemMetrics::pumpAI() {
-    queue_.pump();
-}
-
 void SystemMetrics::reevaluateAI() {
     queue_.clear();
     if (pollProcesses_)

@@ -98,8 +98,6 @@ public:
     double memoryGB() const { return memoryGB_; }
 
     const QSet<qint64>& cuttingPIDs() const { return cuttingPIDs_; }
-    const QList<AIQueueEntry>& aiQueue() const { return queue_.entries(); }
-    bool aiBusy() const { return queue_.busy(); }
 
     static constexpr double aneMaxWatts = 8.0;
     static constexpr int tickIntervalMs = 1000;
@@ -128,7 +126,6 @@ signals:
 private:
     QList<CleanupCandidate> computeCleanupCandidates(const std::vector<ProcInfo>& procs) const;
     void queueAIEvaluations();
-    void pumpAI();
 
     template <typename T> void publish(T& field, T value, void (SystemMetrics::*changed)()) {
         field = std::move(value);
