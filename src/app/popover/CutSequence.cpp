@@ -17,10 +17,22 @@ CutSequence::CutSequence(Terminate terminate, Schedule schedule, QObject* parent
         };
 }
 
-void CutSequence::executeCut(const QList<qint64>& pids, std::optional<qint64> travelTo,
+void CutSequence::executeCut(const QList<qint64>& requested, std::optional<qint64> travelTo,
                              const QHash<qint64, double>& rowYs) {
+    QList<qint64> pids;
+    for (const qint64 pid : requested)
+        if (!recentlyCut_.contains(pid))
+            pids.append(pid);
     if (pids.isEmpty())
         return;
+    for (const qint64 pid : pids)
+        recentlyCut_.insert(pid);
+    const QPointer<CutSequence> guard(this);
+    schedule_(repeatGuardMs, [guard, pids] {
+        if (guard)
+            for (const qint64 pid : pids)
+                guard->recentlyCut_.remove(pid);
+    });
     const double distance = rules::travelDistance(rowYs, travelTo);
     if (!rules::hasJourney(distance)) {
         snip();

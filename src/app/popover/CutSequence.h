@@ -3,6 +3,7 @@
 #include <QHash>
 #include <QList>
 #include <QObject>
+#include <QSet>
 #include <QVariant>
 #include <QtQml/qqmlregistration.h>
 #include <functional>
@@ -37,12 +38,15 @@ public:
     static constexpr int snipAtMs = 240;
     static constexpr int terminateAtMs = 400;
     static constexpr int returnAtMs = 850;
+    // A pid pressed again within this long of its cut (a double click) is not cut twice.
+    static constexpr int repeatGuardMs = 2000;
 
     explicit CutSequence(Terminate terminate, Schedule schedule = {}, QObject* parent = nullptr);
 
     // Cuts `pids`. With a `travelTo` row whose position is known in `rowYs` (pids and the lane's
     // key, in the card's coordinates) far enough below the lane, the mascot makes the journey;
-    // otherwise it snips and the processes are asked to quit at once. Nothing for an empty list.
+    // otherwise it snips and the processes are asked to quit at once. Nothing for an empty list,
+    // nor for pids cut in the last `repeatGuardMs`.
     void executeCut(const QList<qint64>& pids, std::optional<qint64> travelTo,
                     const QHash<qint64, double>& rowYs);
     // The same from QML: `travelTo` a pid or undefined, `rowYs` an object keyed by pid.
@@ -68,6 +72,7 @@ private:
 
     Terminate terminate_;
     Schedule schedule_;
+    QSet<qint64> recentlyCut_;
     int cutTrigger_ = 0;
     double catTravelY_ = 0;
     double travelSpring_ = 0;
