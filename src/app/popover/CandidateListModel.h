@@ -4,6 +4,7 @@
 
 #include <QAbstractListModel>
 #include <QList>
+#include <QtQml/qqmlregistration.h>
 
 namespace quelmo {
 
@@ -13,6 +14,8 @@ namespace quelmo {
 // row texts are produced in the language given with each update.
 class CandidateListModel : public QAbstractListModel {
     Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("made by the popover")
     Q_PROPERTY(int count READ count NOTIFY countChanged)
     Q_PROPERTY(int cutTargetCount READ cutTargetCount NOTIFY cutTargetCountChanged)
 

@@ -7,6 +7,7 @@
 #include <QObject>
 #include <QPointer>
 #include <QVariantMap>
+#include <QtQml/qqmlregistration.h>
 
 namespace quelmo {
 
@@ -17,8 +18,10 @@ class SystemMetrics;
 // sequence. Fed from the hub in the program, or from a state file by the preview.
 class CleanupFeed : public QObject {
     Q_OBJECT
-    Q_PROPERTY(CandidateListModel* candidates READ candidates CONSTANT)
-    Q_PROPERTY(CutSequence* cut READ cut CONSTANT)
+    QML_ELEMENT
+    QML_UNCREATABLE("made by the popover")
+    Q_PROPERTY(quelmo::CandidateListModel* candidates READ candidates CONSTANT)
+    Q_PROPERTY(quelmo::CutSequence* cut READ cut CONSTANT)
     Q_PROPERTY(bool advisorAvailable READ advisorAvailable NOTIFY advisorChanged)
     Q_PROPERTY(QString footerText READ footerText NOTIFY advisorChanged)
     Q_PROPERTY(double sensitivity READ sensitivity WRITE setSensitivity NOTIFY sensitivityChanged)

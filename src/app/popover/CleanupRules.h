@@ -28,7 +28,7 @@ QList<CleanupCandidate> cutTargets(const QList<CleanupCandidate>& candidates,
 // "Cut all" is offered from this many targets on.
 inline constexpr qsizetype cutAllMinimum = 2;
 
-// Palette colour names ("gray", "sage", "rose", "peach", "lav", "blue", "pink"), as the views
+// Colour names ("gray", "sage", "rose", "peach", "lav", "blue", "pink"), as the views
 // look them up.
 QString statusColor(const std::optional<AIVerdict>& verdict);
 QString riskColor(const QString& risk);

@@ -18,10 +18,26 @@ CutSequence::CutSequence(Terminate terminate, Identify identify, Schedule schedu
         };
 }
 
-void CutSequence::executeCut(const QList<ProcessIdentity>& targets, std::optional<qint64> travelTo,
-                             const QHash<qint64, double>& rowYs) {
+void CutSequence::executeCut(const QList<ProcessIdentity>& requested,
+                             std::optional<qint64> travelTo, const QHash<qint64, double>& rowYs) {
+    QList<ProcessIdentity> targets;
+    QList<qint64> pids;
+    for (const ProcessIdentity& target : requested) {
+        if (!recentlyCut_.contains(target.pid)) {
+            targets.append(target);
+            pids.append(target.pid);
+        }
+    }
     if (targets.isEmpty())
         return;
+    for (const qint64 pid : pids)
+        recentlyCut_.insert(pid);
+    const QPointer<CutSequence> guard(this);
+    schedule_(repeatGuardMs, [guard, pids] {
+        if (guard)
+            for (const qint64 pid : pids)
+                guard->recentlyCut_.remove(pid);
+    });
     const double distance = rules::travelDistance(rowYs, travelTo);
     if (!rules::hasJourney(distance)) {
         snip();

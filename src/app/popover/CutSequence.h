@@ -5,7 +5,9 @@
 #include <QHash>
 #include <QList>
 #include <QObject>
+#include <QSet>
 #include <QVariant>
+#include <QtQml/qqmlregistration.h>
 #include <functional>
 #include <optional>
 
@@ -21,6 +23,8 @@ namespace quelmo {
 // by then: a pid may have passed to another process in between.
 class CutSequence : public QObject {
     Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("made by the popover")
     Q_PROPERTY(int cutTrigger READ cutTrigger NOTIFY cutTriggerChanged)
     Q_PROPERTY(double catTravelY READ catTravelY NOTIFY catTravelYChanged)
     // Qt Quick SpringAnimation parameters of the latest move of the mascot.
@@ -43,13 +47,16 @@ public:
     static constexpr int snipAtMs = 240;
     static constexpr int terminateAtMs = 400;
     static constexpr int returnAtMs = 850;
+    // A pid pressed again within this long of its cut (a double click) is not cut twice.
+    static constexpr int repeatGuardMs = 2000;
 
     CutSequence(Terminate terminate, Identify identify, Schedule schedule = {},
                 QObject* parent = nullptr);
 
     // Cuts `targets`. With a `travelTo` row whose position is known in `rowYs` (pids and the lane's
     // key, in the card's coordinates) far enough below the lane, the mascot makes the journey;
-    // otherwise it snips and the processes are asked to quit at once. Nothing for an empty list.
+    // otherwise it snips and the processes are asked to quit at once. Nothing for an empty list,
+    // nor for pids cut in the last `repeatGuardMs`.
     void executeCut(const QList<ProcessIdentity>& targets, std::optional<qint64> travelTo,
                     const QHash<qint64, double>& rowYs);
     // The same from QML, at the press: `pids` become the processes their rows show now,
@@ -78,6 +85,7 @@ private:
     Terminate terminate_;
     Identify identify_;
     Schedule schedule_;
+    QSet<qint64> recentlyCut_;
     int cutTrigger_ = 0;
     double catTravelY_ = 0;
     double travelSpring_ = 0;

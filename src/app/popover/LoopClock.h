@@ -3,6 +3,7 @@
 #include <QElapsedTimer>
 #include <QObject>
 #include <QTimer>
+#include <QtQml/qqmlregistration.h>
 
 namespace quelmo {
 
@@ -13,6 +14,8 @@ namespace quelmo {
 // 60. The views read each loop's position from `elapsed` (see PopoverRules::loopPhase).
 class LoopClock : public QObject {
     Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("made by the popover")
     // Milliseconds the loops have run, counted only while running.
     Q_PROPERTY(int elapsed READ elapsed NOTIFY elapsedChanged)
     Q_PROPERTY(bool running READ running WRITE setRunning NOTIFY runningChanged)

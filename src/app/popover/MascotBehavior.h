@@ -4,6 +4,7 @@
 
 #include <QList>
 #include <QObject>
+#include <QtQml/qqmlregistration.h>
 #include <functional>
 #include <memory>
 
@@ -17,6 +18,7 @@ namespace quelmo {
 // `resting` and `lookDown` asked for.
 class MascotBehavior : public QObject {
     Q_OBJECT
+    QML_ELEMENT
     Q_PROPERTY(bool active READ active WRITE setActive NOTIFY activeChanged)
     Q_PROPERTY(bool hasTargets READ hasTargets WRITE setHasTargets NOTIFY hasTargetsChanged)
     Q_PROPERTY(int trigger READ trigger WRITE setTrigger NOTIFY triggerChanged)

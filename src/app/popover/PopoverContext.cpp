@@ -4,14 +4,10 @@
 #include "core/settings/AppLang.h"
 #include "core/settings/Preferences.h"
 
-#include <QMetaProperty>
-#include <QQmlPropertyMap>
-
 namespace quelmo {
 
-PopoverContext::PopoverContext(QObject* metrics, Hooks hooks, QObject* parent)
-    : QObject(parent), metrics_(metrics), hooks_(std::move(hooks)),
-      maxHeight_(PopoverRules::maxHeight(std::nullopt)) {
+PopoverContext::PopoverContext(Hooks hooks, QObject* parent)
+    : QObject(parent), hooks_(std::move(hooks)), maxHeight_(PopoverRules::maxHeight(std::nullopt)) {
     // Without a record of the choice the switch stays off and cannot be turned on.
     if (!hooks_.setLaunchAtLogin)
         hooks_.setLaunchAtLogin = [](bool) { return false; };
@@ -86,34 +82,18 @@ void PopoverContext::setMaxHeight(double height) {
     emit maxHeightChanged();
 }
 
-QObject* PopoverContext::metrics() const {
-    return shown_ || !stillMetrics_ ? metrics_.data() : stillMetrics_.get();
+void PopoverContext::setReadings(const Readings& latest) {
+    latest_ = latest;
+    if (shown_)
+        readings_.setValues(latest_);
 }
-
-namespace {
-
-// The readable properties of `source` at this moment, as a map QML reads like the object itself.
-std::unique_ptr<QObject> stillCopy(const QObject& source) {
-    auto copy = std::make_unique<QQmlPropertyMap>();
-    const QMetaObject* meta = source.metaObject();
-    for (int i = QObject::staticMetaObject.propertyCount(); i < meta->propertyCount(); ++i) {
-        const QMetaProperty property = meta->property(i);
-        copy->insert(QString::fromLatin1(property.name()), property.read(&source));
-    }
-    return copy;
-}
-
-} // namespace
 
 void PopoverContext::setShown(bool shown) {
     if (shown == shown_)
         return;
     shown_ = shown;
-    if (!shown_ && metrics_)
-        stillMetrics_ = stillCopy(*metrics_);
-    emit metricsChanged();
     if (shown_)
-        stillMetrics_.reset();
+        readings_.setValues(latest_);
     loops_.setRunning(shown_);
     emit shownChanged();
 }

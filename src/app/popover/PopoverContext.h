@@ -1,11 +1,13 @@
 #pragma once
 
 #include "app/popover/LoopClock.h"
+#include "app/popover/PopoverReadings.h"
 #include "app/popover/ProcessListModel.h"
 
 #include <QObject>
 #include <QPointer>
 #include <QStringList>
+#include <QtQml/qqmlregistration.h>
 #include <functional>
 #include <memory>
 
@@ -16,16 +18,19 @@ namespace quelmo {
 // screen it opens on, and the way out (Quit). One per popover window.
 class PopoverContext : public QObject {
     Q_OBJECT
-    // The hub, or anything with the same readings as properties (the preview program). While the
-    // popover is hidden the views see a still copy of the last readings instead, so they do no
-    // work on the hub's ticks.
-    Q_PROPERTY(QObject* metrics READ metrics NOTIFY metricsChanged)
+    QML_ELEMENT
+    QML_UNCREATABLE("made by the popover")
+    // The machine's readings. While the popover is hidden they stay as they were when it was
+    // last shown, so the views do no work on the hub's ticks; showing it brings them up to date.
+    Q_PROPERTY(quelmo::PopoverReadings* readings READ readings CONSTANT)
     Q_PROPERTY(quelmo::ProcessListModel* topCPU READ topCPU CONSTANT)
     Q_PROPERTY(quelmo::ProcessListModel* topMem READ topMem CONSTANT)
     Q_PROPERTY(QString langRaw READ langRaw WRITE setLangRaw NOTIFY langRawChanged)
     // "ko" or "en": the language every text is drawn in.
     Q_PROPERTY(QString lang READ lang NOTIFY langRawChanged)
     Q_PROPERTY(QStringList langChoices READ langChoices CONSTANT)
+    // Where the stored choice stands among `langChoices`.
+    Q_PROPERTY(int langChoiceIndex READ langChoiceIndex NOTIFY langRawChanged)
     Q_PROPERTY(QString catStyleRaw READ catStyleRaw WRITE setCatStyleRaw NOTIFY catStyleRawChanged)
     Q_PROPERTY(
         bool launchAtLogin READ launchAtLogin WRITE setLaunchAtLogin NOTIFY launchAtLoginChanged)
@@ -45,9 +50,11 @@ public:
     };
 
     // Without hooks the real autostart entry is used and a language change asks nothing more.
-    explicit PopoverContext(QObject* metrics, Hooks hooks = {}, QObject* parent = nullptr);
+    explicit PopoverContext(Hooks hooks = {}, QObject* parent = nullptr);
 
-    QObject* metrics() const;
+    PopoverReadings* readings() { return &readings_; }
+    // The latest readings: shown at once while the popover is, else when it next shows.
+    void setReadings(const Readings& latest);
     ProcessListModel* topCPU() { return &topCPU_; }
     ProcessListModel* topMem() { return &topMem_; }
 
@@ -55,6 +62,7 @@ public:
     void setLangRaw(const QString& raw);
     QString lang() const;
     static QStringList langChoices();
+    int langChoiceIndex() const { return static_cast<int>(langChoices().indexOf(langRaw_)); }
 
     QString catStyleRaw() const { return catStyleRaw_; }
     void setCatStyleRaw(const QString& raw);
@@ -77,7 +85,6 @@ public:
     Q_INVOKABLE void quit() { emit quitRequested(); }
 
 signals:
-    void metricsChanged();
     void langRawChanged();
     void catStyleRawChanged();
     void launchAtLoginChanged();
@@ -86,8 +93,8 @@ signals:
     void quitRequested();
 
 private:
-    QPointer<QObject> metrics_;
-    std::unique_ptr<QObject> stillMetrics_; // the readings when the popover was hidden
+    PopoverReadings readings_;
+    Readings latest_;
     Hooks hooks_;
     ProcessListModel topCPU_;
     ProcessListModel topMem_;

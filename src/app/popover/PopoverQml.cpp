@@ -1,41 +1,22 @@
 #include "app/popover/PopoverQml.h"
 
 #include "app/popover/CardShadowProvider.h"
-#include "app/popover/CleanupFeed.h"
-#include "app/popover/MascotBehavior.h"
-#include "app/popover/PopoverContext.h"
-#include "app/popover/PopoverRulesObject.h"
-#include "app/popover/ProcessListModel.h"
+#include "app/popover/LocalResourcesOnly.h"
 #include "app/popover/SymbolImageProvider.h"
 
 #include <QQmlEngine>
 
+// Generated with the module: registers its C++ types. Referring to it keeps the registration in
+// every program that links the popover.
+void qml_register_types_Quelmo();
+
 namespace quelmo {
 
-void registerPopoverQml(QQmlEngine& engine) {
-    static const bool typesRegistered = [] {
-        const char* uri = "Quelmo";
-        qmlRegisterSingletonType<PopoverRulesObject>(
-            uri, 1, 0, "Rules",
-            [](QQmlEngine*, QJSEngine*) -> QObject* { return new PopoverRulesObject; });
-        qmlRegisterSingletonType(QUrl(QStringLiteral("qrc:/quelmo/qml/Palette.qml")), uri, 1, 0,
-                                 "Palette");
-        qmlRegisterType<MascotBehavior>(uri, 1, 0, "MascotBehavior");
-        qmlRegisterUncreatableType<LoopClock>(uri, 1, 0, "LoopClock",
-                                              QStringLiteral("made by the popover"));
-        qmlRegisterUncreatableType<ProcessListModel>(uri, 1, 0, "ProcessListModel",
-                                                     QStringLiteral("made by the popover"));
-        qmlRegisterUncreatableType<PopoverContext>(uri, 1, 0, "PopoverContext",
-                                                   QStringLiteral("made by the popover"));
-        qmlRegisterUncreatableType<CleanupFeed>(uri, 1, 0, "CleanupFeed",
-                                                QStringLiteral("made by the popover"));
-        qmlRegisterUncreatableType<CandidateListModel>(uri, 1, 0, "CandidateListModel",
-                                                       QStringLiteral("made by the popover"));
-        qmlRegisterUncreatableType<CutSequence>(uri, 1, 0, "CutSequence",
-                                                QStringLiteral("made by the popover"));
-        return true;
-    }();
-    Q_UNUSED(typesRegistered);
+void preparePopoverEngine(QQmlEngine& engine) {
+    [[maybe_unused]] static volatile auto keepRegistration = &qml_register_types_Quelmo;
+    static LocalResourcesOnly localOnly;
+    engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
+    engine.addUrlInterceptor(&localOnly);
     engine.addImageProvider(QStringLiteral("symbol"), new SymbolImageProvider);
     engine.addImageProvider(QStringLiteral("cardshadow"), new CardShadowProvider);
 }

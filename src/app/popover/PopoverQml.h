@@ -4,15 +4,14 @@ class QQmlEngine;
 
 namespace quelmo {
 
-// Makes the popover's C++ side known to a QML engine: the `Quelmo` module (the `Rules` and
-// `Palette` singletons, `MascotBehavior`, the list model and context types) and the symbol and
-// card-shadow image providers. Call before loading PopoverView.qml.
-//
-// Qt Quick has a `Palette` type of its own, and of two imports naming the same type the first
-// one wins: every view imports Quelmo before QtQuick.
-void registerPopoverQml(QQmlEngine& engine);
+// Readies a QML engine for the popover's views: the import path of the `Quelmo` module (its
+// views, the `Rules` and `Colours` singletons and the C++ types), the symbol and card-shadow
+// image providers, and the rule that the engine loads nothing but the program's own resources and
+// local files. Call before loading PopoverView.qml.
+void preparePopoverEngine(QQmlEngine& engine);
 
-// Where PopoverView.qml lives.
-inline constexpr char popoverViewUrl[] = "qrc:/quelmo/qml/PopoverView.qml";
+// Where the module's views live.
+inline constexpr char popoverViewUrl[] = "qrc:/qt/qml/Quelmo/PopoverView.qml";
+inline constexpr char mascotSheetUrl[] = "qrc:/qt/qml/Quelmo/MascotSheet.qml";
 
 } // namespace quelmo

@@ -50,6 +50,17 @@ double barFillWidth(double trackWidth, double value) {
     return std::max(width, std::min(barMinimumWidth, trackWidth));
 }
 
+double coreSpacing(int cores, double width) {
+    constexpr double wide = 3;
+    return cores * (minCoreWidth + wide) - wide <= width ? wide : 1;
+}
+
+int coreColumns(int cores, double width) {
+    const double spacing = coreSpacing(cores, width);
+    const int fitting = static_cast<int>(std::floor((width + spacing) / (minCoreWidth + spacing)));
+    return std::clamp(fitting, 1, std::max(cores, 1));
+}
+
 double coreFillScale(double load) {
     if (std::isnan(load))
         return coreMinimumScale;

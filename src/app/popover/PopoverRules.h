@@ -47,6 +47,12 @@ double barFillWidth(double trackWidth, double value);
 // Vertical scale of one core's bar: its load clamped to 0.02...1 (an idle core keeps a sliver).
 double coreFillScale(double load);
 
+// The per-core strip on `width` points: a bar of at least `minCoreWidth` per logical CPU, 3 apart
+// while they fit so, else 1 apart, in as many rows as that takes.
+inline constexpr double minCoreWidth = 2;
+double coreSpacing(int cores, double width);
+int coreColumns(int cores, double width);
+
 // The largest of a process list's values (CPU percent or resident bytes): 1 for an empty list,
 // never below 0.0001.
 double processMaxValue(const QList<double>& values);

@@ -41,6 +41,14 @@ double PopoverRulesObject::barFillWidth(double trackWidth, double value) {
     return PopoverRules::barFillWidth(trackWidth, value);
 }
 
+double PopoverRulesObject::coreSpacing(int cores, double width) {
+    return PopoverRules::coreSpacing(cores, width);
+}
+
+int PopoverRulesObject::coreColumns(int cores, double width) {
+    return PopoverRules::coreColumns(cores, width);
+}
+
 double PopoverRulesObject::coreFillScale(double load) {
     return PopoverRules::coreFillScale(load);
 }

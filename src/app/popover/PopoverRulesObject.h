@@ -4,6 +4,7 @@
 #include <QObject>
 #include <QStringList>
 #include <QVariantList>
+#include <QtQml/qqmlregistration.h>
 
 namespace quelmo {
 
@@ -12,6 +13,8 @@ namespace quelmo {
 // forwards to the tested rules.
 class PopoverRulesObject : public QObject {
     Q_OBJECT
+    QML_NAMED_ELEMENT(Rules)
+    QML_SINGLETON
 
 public:
     using QObject::QObject;
@@ -27,6 +30,8 @@ public:
     Q_INVOKABLE static double popoverHeight(double contentHeight, double maxHeight);
     Q_INVOKABLE static double barFillWidth(double trackWidth, double value);
     Q_INVOKABLE static double coreFillScale(double load);
+    Q_INVOKABLE static double coreSpacing(int cores, double width);
+    Q_INVOKABLE static int coreColumns(int cores, double width);
     Q_INVOKABLE static double processFillWidth(double trackWidth, double value, double maxValue);
     // A process's figure: "150%" for kind "cpu" (as the process table reports it), else mem(rss).
     Q_INVOKABLE static QString processValueText(const QString& kind, double cpu, double rss);

@@ -4,6 +4,7 @@
 
 #include <QAbstractListModel>
 #include <QList>
+#include <QtQml/qqmlregistration.h>
 
 namespace quelmo {
 
@@ -12,6 +13,8 @@ namespace quelmo {
 // keeps its identity (and its delegate) from one second to the next.
 class ProcessListModel : public QAbstractListModel {
     Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("made by the popover")
     Q_PROPERTY(int count READ rowCount NOTIFY countChanged)
     // The largest CPU percentage and resident size among the rows (the process list's scale).
     Q_PROPERTY(double maxCPU READ maxCPU NOTIFY rowsChanged)

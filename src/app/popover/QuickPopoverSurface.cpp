@@ -21,6 +21,27 @@
 
 namespace quelmo {
 
+namespace {
+
+Readings readingsOf(const SystemMetrics& hub) {
+    return {.cpuTotal = hub.cpuTotal(),
+            .cpuPerCore = hub.cpuPerCore(),
+            .gpu = hub.gpu(),
+            .aneLoad = hub.aneLoad(),
+            .memUsed = hub.memUsed(),
+            .memTotal = hub.memTotal(),
+            .memFraction = hub.memFraction(),
+            .cpuWatts = hub.cpuWatts(),
+            .gpuWatts = hub.gpuWatts(),
+            .aneWatts = hub.aneWatts(),
+            .dramWatts = hub.dramWatts(),
+            .totalWatts = hub.totalWatts(),
+            .chipName = hub.chipName(),
+            .coreSummary = hub.coreSummary()};
+}
+
+} // namespace
+
 class QuickPopoverSurface::Window : public QQuickView {
 public:
     explicit Window(QuickPopoverSurface& owner) : owner_(owner) {}
@@ -48,7 +69,10 @@ QuickPopoverSurface::QuickPopoverSurface(SystemMetrics& metrics,
     hooks.launchAtLoginEnabled = [this] { return loginItem_->isEnabled(); };
     // Verdicts are asked for again in the new language.
     hooks.languageChanged = [&metrics] { metrics.reevaluateAI(); };
-    context_ = new PopoverContext(&metrics, std::move(hooks), this);
+    context_ = new PopoverContext(std::move(hooks), this);
+    context_->setReadings(readingsOf(metrics));
+    connect(&metrics, &SystemMetrics::ticked, context_,
+            [this, &metrics] { context_->setReadings(readingsOf(metrics)); });
     connect(&metrics, &SystemMetrics::topCPUChanged, context_,
             [this, &metrics] { context_->topCPU()->setRows(metrics.topCPU()); });
     connect(&metrics, &SystemMetrics::topMemChanged, context_,
@@ -63,7 +87,7 @@ QuickPopoverSurface::QuickPopoverSurface(SystemMetrics& metrics,
     w.setFlags(Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
     w.setColor(Qt::transparent);
     w.setResizeMode(QQuickView::SizeRootObjectToView);
-    registerPopoverQml(*w.engine());
+    preparePopoverEngine(*w.engine());
     w.setInitialProperties({{QStringLiteral("context"), QVariant::fromValue(context_)},
                             {QStringLiteral("cleanup"), QVariant::fromValue(cleanup_)}});
     w.setSource(QUrl(QString::fromLatin1(popoverViewUrl)));

@@ -12,7 +12,6 @@
 #include <QJsonArray>
 #include <QQmlComponent>
 #include <QQmlEngine>
-#include <QQmlPropertyMap>
 #include <QQuickItem>
 #include <QQuickView>
 #include <algorithm>
@@ -36,30 +35,6 @@ QList<ProcInfo> procsFrom(const QJsonArray& rows) {
     }
     return procs;
 }
-
-const char mascotSheet[] = R"(
-import Quelmo 1.0
-import QtQuick
-Rectangle {
-    property bool hasTargets: false
-    width: 4 * 150
-    height: 84
-    color: Palette.bg
-    Row {
-        y: 10
-        Repeater {
-            model: Rules.catStyles()
-            CatMascot {
-                required property string modelData
-                width: 150
-                height: 64
-                styleRaw: modelData
-                hasTargets: parent.parent.hasTargets
-            }
-        }
-    }
-}
-)";
 
 } // namespace
 
@@ -111,10 +86,34 @@ PreviewState PreviewState::fromJson(const QJsonObject& json) {
     return state;
 }
 
-PopoverPreview::PopoverPreview(const PreviewState& state)
-    : metrics_(std::make_unique<QQmlPropertyMap>()) {
-    for (auto it = state.readings.begin(); it != state.readings.end(); ++it)
-        metrics_->insert(it.key(), it.value());
+namespace {
+
+Readings readingsFrom(const QVariantMap& map) {
+    const auto number = [&map](const char* key) {
+        return map.value(QLatin1String(key)).toDouble();
+    };
+    QList<double> perCore;
+    for (const QVariant& core : map.value(QStringLiteral("cpuPerCore")).toList())
+        perCore.append(core.toDouble());
+    return {.cpuTotal = number("cpuTotal"),
+            .cpuPerCore = perCore,
+            .gpu = number("gpu"),
+            .aneLoad = number("aneLoad"),
+            .memUsed = number("memUsed"),
+            .memTotal = number("memTotal"),
+            .memFraction = number("memFraction"),
+            .cpuWatts = number("cpuWatts"),
+            .gpuWatts = number("gpuWatts"),
+            .aneWatts = number("aneWatts"),
+            .dramWatts = number("dramWatts"),
+            .totalWatts = number("totalWatts"),
+            .chipName = map.value(QStringLiteral("chipName")).toString(),
+            .coreSummary = map.value(QStringLiteral("coreSummary")).toString()};
+}
+
+} // namespace
+
+PopoverPreview::PopoverPreview(const PreviewState& state) {
 
     // The preview's settings: stored where the caller keeps them (a private folder), read back
     // by the context like the program's own.
@@ -122,9 +121,12 @@ PopoverPreview::PopoverPreview(const PreviewState& state)
     Preferences::setCatStyleRaw(state.catStyle);
     const bool login = state.launchAtLogin;
     context_ = std::make_unique<PopoverContext>(
-        metrics_.get(), PopoverContext::Hooks{.languageChanged = {},
-                                              .setLaunchAtLogin = [](bool) { return true; },
-                                              .launchAtLoginEnabled = [login] { return login; }});
+        PopoverContext::Hooks{.languageChanged = {},
+                              .setLaunchAtLogin = [](bool) { return true; },
+                              .launchAtLoginEnabled = [login] { return login; }});
+    // Shown once to take the readings, then still: the loops would make every picture different.
+    context_->setReadings(readingsFrom(state.readings));
+    context_->setShown(true);
     context_->topCPU()->setRows(state.topCPU);
     context_->topMem()->setRows(state.topMem);
     context_->setMaxHeight(PopoverRules::maxHeight(state.screenHeight));
@@ -149,10 +151,10 @@ PopoverPreview::PopoverPreview(const PreviewState& state)
     window_ = std::make_unique<QQuickView>();
     window_->setColor(Qt::transparent);
     window_->setResizeMode(QQuickView::SizeViewToRootObject);
-    registerPopoverQml(*window_->engine());
+    preparePopoverEngine(*window_->engine());
     if (state.view == QLatin1String("mascot")) {
-        auto* sheet = new QQmlComponent(window_->engine(), window_.get());
-        sheet->setData(mascotSheet, QUrl(QStringLiteral("qrc:/quelmo/qml/MascotSheet.qml")));
+        auto* sheet = new QQmlComponent(window_->engine(),
+                                        QUrl(QString::fromLatin1(mascotSheetUrl)), window_.get());
         auto* item = qobject_cast<QQuickItem*>(
             sheet->createWithInitialProperties({{QStringLiteral("hasTargets"), state.hasTargets}}));
         if (item)

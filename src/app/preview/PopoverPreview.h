@@ -9,7 +9,6 @@
 #include <QVariantMap>
 #include <memory>
 
-class QQmlPropertyMap;
 class QQuickItem;
 class QQuickView;
 
@@ -62,7 +61,6 @@ public:
     QImage render();
 
 private:
-    std::unique_ptr<QQmlPropertyMap> metrics_;
     std::unique_ptr<PopoverContext> context_;
     std::unique_ptr<CleanupFeed> cleanup_;
     std::unique_ptr<QQuickView> window_;

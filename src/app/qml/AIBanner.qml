@@ -1,4 +1,4 @@
-import Quelmo 1.0
+import Quelmo
 import QtQuick
 import QtQuick.Controls.Basic
 
@@ -7,7 +7,9 @@ import QtQuick.Controls.Basic
 AbstractButton {
     id: banner
 
-    required property QtObject feed
+    required property CleanupFeed feed
+    // The card's fixed texts in the current language, by key.
+    readonly property var texts: feed.texts
     property bool showCriteria: false
 
     objectName: "aiBanner"
@@ -18,17 +20,19 @@ AbstractButton {
     bottomPadding: 5
     hoverEnabled: true
     focusPolicy: Qt.StrongFocus
-    text: feed.advisorAvailable ? feed.texts.judgedByAI : feed.texts.aiNotesOff
-    ToolTip.visible: hovered || visualFocus
-    ToolTip.delay: 500
-    ToolTip.text: feed.texts.seeHowItDecides
+    text: feed.advisorAvailable ? banner.texts.judgedByAI : banner.texts.aiNotesOff
     Accessible.role: Accessible.Button
     Accessible.name: text
-    Accessible.description: feed.texts.seeHowItDecides
+    Accessible.description: banner.texts.seeHowItDecides
     Accessible.checkable: true
     Accessible.checked: showCriteria
     Keys.onReturnPressed: clicked()
     Keys.onEnterPressed: clicked()
+
+    TextTip {
+        visible: banner.hovered || banner.visualFocus
+        text: banner.texts.seeHowItDecides
+    }
 
     contentItem: Item {
         implicitHeight: Math.max(title.implicitHeight, 12)
@@ -39,19 +43,19 @@ AbstractButton {
                 size: 11
                 anchors.verticalCenter: parent.verticalCenter
             }
-            Text {
+            UiText {
                 id: title
                 text: banner.text
                 font.pixelSize: 10
                 font.weight: Font.DemiBold
-                color: Palette.ink
+                color: Colours.ink
                 anchors.verticalCenter: parent.verticalCenter
                 Accessible.ignored: true
             }
             Symbol {
                 name: "chevron.down"
                 size: 8
-                color: Palette.secondary
+                color: Colours.secondary
                 rotation: banner.showCriteria ? 180 : 0
                 anchors.verticalCenter: parent.verticalCenter
                 Behavior on rotation { NumberAnimation { duration: 200; easing.type: Easing.InOutQuad } }
@@ -64,11 +68,11 @@ AbstractButton {
             Symbol {
                 name: "lock.fill"
                 size: 8
-                color: Palette.secondary
+                color: Colours.secondary
                 anchors.verticalCenter: parent.verticalCenter
             }
             UiText {
-                text: banner.feed.texts.onDevice
+                text: banner.texts.onDevice
                 secondary: true
                 font.pixelSize: 8
                 font.weight: Font.Medium
@@ -80,10 +84,10 @@ AbstractButton {
         radius: height / 2
         gradient: Gradient {
             orientation: Gradient.Horizontal
-            GradientStop { position: 0; color: Palette.faded(Palette.pink, 0.28) }
-            GradientStop { position: 1; color: Palette.faded(Palette.lav, 0.28) }
+            GradientStop { position: 0; color: Colours.faded(Colours.pink, 0.28) }
+            GradientStop { position: 1; color: Colours.faded(Colours.lav, 0.28) }
         }
         border.width: banner.visualFocus ? 1.5 : 1
-        border.color: banner.visualFocus ? Palette.blue : Palette.faded(Palette.lav, 0.35)
+        border.color: banner.visualFocus ? Colours.blue : Colours.faded(Colours.lav, 0.35)
     }
 }

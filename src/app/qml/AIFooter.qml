@@ -1,11 +1,11 @@
-import Quelmo 1.0
+import Quelmo
 import QtQuick
 
 // The advisor's status line under the card.
 Row {
     id: footer
 
-    required property QtObject feed
+    required property CleanupFeed feed
 
     objectName: "aiFooter"
     width: parent ? parent.width : 0

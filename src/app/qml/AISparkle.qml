@@ -1,4 +1,4 @@
-import Quelmo 1.0
+import Quelmo
 import QtQuick
 
 // The advisor's sparkle: the "sparkles" symbol shaded left to right through pink, peach and
@@ -6,5 +6,5 @@ import QtQuick
 Symbol {
     name: "sparkles"
     size: 11
-    gradientAcross: [Palette.pink, Palette.peach, Palette.lav]
+    gradientAcross: [Colours.pink, Colours.peach, Colours.lav]
 }

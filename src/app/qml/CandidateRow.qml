@@ -1,4 +1,4 @@
-import Quelmo 1.0
+import Quelmo
 import QtQuick
 
 // One cleanup candidate: status dot, name, Keep tag, memory and Cut; under the pointer (or with
@@ -9,7 +9,7 @@ Item {
 
     // From the candidate model.
     required property int index
-    required property var pid
+    required property int pid
     required property string title
     required property string reasonLabel
     required property string reasonSymbol
@@ -68,7 +68,7 @@ Item {
                     width: 7
                     height: 7
                     radius: 3.5
-                    color: Palette[row.statusColor]
+                    color: Colours[row.statusColor]
                     anchors.verticalCenter: parent.verticalCenter
                     Accessible.ignored: true
                 }
@@ -90,7 +90,7 @@ Item {
                     visible: row.isKeep
                     text: row.texts.keep
                     hPadding: 4
-                    color: Palette.faded(Palette.sage, 0.7)
+                    color: Colours.faded(Colours.sage, 0.7)
                     anchors.verticalCenter: parent.verticalCenter
                 }
             }
@@ -147,7 +147,7 @@ Item {
                     ReasonChip {
                         symbol: row.reasonSymbol
                         label: row.reasonLabel
-                        tint: Palette[row.reasonColor]
+                        tint: Colours[row.reasonColor]
                         anchors.verticalCenter: parent.verticalCenter
                     }
                     UiText {
@@ -165,14 +165,15 @@ Item {
                     Capsule {
                         id: badge
                         text: row.isKeep ? row.texts.keep : row.riskLabel
-                        color: row.isKeep ? Palette.sage : Palette[row.riskColor || "peach"]
+                        color: row.isKeep ? Colours.sage : Colours[row.riskColor || "peach"]
                     }
                     UiText {
                         width: parent.width - badge.width - 5
                         text: row.explanation
                         secondary: true
                         font.pixelSize: 10
-                        wrapMode: Text.Wrap
+                        elide: Text.ElideRight
+                        maximumLineCount: 1
                     }
                 }
                 Row {

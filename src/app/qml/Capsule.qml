@@ -1,4 +1,4 @@
-import Quelmo 1.0
+import Quelmo
 import QtQuick
 
 // A small text on a filled capsule: the Keep tag and badges, the count badge.
@@ -7,7 +7,7 @@ Rectangle {
 
     property alias text: label.text
     property alias font: label.font
-    property color textColor: Palette.ink
+    property color textColor: Colours.ink
     property real hPadding: 5
     property real vPadding: 1
 
@@ -17,7 +17,7 @@ Rectangle {
     Accessible.role: Accessible.StaticText
     Accessible.name: label.text
 
-    Text {
+    UiText {
         id: label
         anchors.centerIn: parent
         color: capsule.textColor

@@ -1,4 +1,5 @@
-import Quelmo 1.0
+pragma ComponentBehavior: Bound
+import Quelmo
 import QtQuick
 
 // The mascot above the cleanup card's cut line. It dozes while there is nothing to cut, wanders,
@@ -117,8 +118,8 @@ Item {
                 name: "scissors"
                 size: 27
                 rotation: 74 + (mind.bladeClose ? 0 : 6 * mascot.snipPhase)
-                color: Palette.pink
-                gradientTo: Palette.blue
+                color: Colours.pink
+                gradientTo: Colours.blue
             }
         }
 
@@ -140,13 +141,14 @@ Item {
             Repeater {
                 model: [{ x: 2, mirrored: false }, { x: 23, mirrored: true }]
                 Item {
+                    id: ear
                     required property var modelData
-                    x: modelData.x
+                    x: ear.modelData.x
                     y: -9
                     width: 15
                     height: 14
-                    rotation: modelData.mirrored ? 10 : -10
-                    transform: Scale { origin.x: 7.5; xScale: modelData.mirrored ? -1 : 1 }
+                    rotation: ear.modelData.mirrored ? 10 : -10
+                    transform: Scale { origin.x: 7.5; xScale: ear.modelData.mirrored ? -1 : 1 }
                     CatEarShape {
                         anchors.fill: parent
                         fillColor: mascot.fur
@@ -178,9 +180,10 @@ Item {
                 Repeater {
                     model: [6, 8, 6]
                     Rectangle {
+                        id: whisker
                         required property real modelData
                         width: 2.4
-                        height: modelData
+                        height: whisker.modelData
                         radius: 1.2
                         color: Rules.catStripes()
                     }
@@ -206,7 +209,7 @@ Item {
                             visible: mascot.eyesClosed
                             anchors.fill: parent
                             color: mascot.styleRaw === "black" ? mascot.eyeColor
-                                                               : Palette.faded(Palette.ink, 0.7)
+                                                               : Colours.faded(Colours.ink, 0.7)
                         }
                     }
                 }
@@ -232,14 +235,15 @@ Item {
             }
             Repeater {
                 model: [{ x: 0, y: 12, size: 8 }, { x: 6, y: 5, size: 10 }, { x: 13, y: -3, size: 12 }]
-                Text {
+                UiText {
+                    id: mark
                     required property var modelData
-                    x: modelData.x
-                    y: modelData.y
+                    x: mark.modelData.x
+                    y: mark.modelData.y
                     text: "z"
-                    font.pixelSize: modelData.size
+                    font.pixelSize: mark.modelData.size
                     font.bold: true
-                    color: Palette.lav
+                    color: Colours.lav
                     Accessible.ignored: true
                 }
             }

@@ -1,4 +1,4 @@
-import Quelmo 1.0
+import Quelmo
 import QtQuick
 import QtQuick.Controls.Basic
 
@@ -16,9 +16,6 @@ AbstractButton {
     implicitWidth: 17
     implicitHeight: 17
     hoverEnabled: true
-    ToolTip.visible: hovered
-    ToolTip.delay: 500
-    ToolTip.text: label
     Accessible.role: Accessible.Button
     Accessible.name: label
     Accessible.description: label
@@ -26,6 +23,11 @@ AbstractButton {
     Accessible.checked: selected
     Keys.onReturnPressed: swatch.clicked()
     Accessible.onPressAction: swatch.clicked()
+
+    TextTip {
+        visible: swatch.hovered
+        text: swatch.label
+    }
 
     contentItem: Item {}
     background: Item {
@@ -65,7 +67,7 @@ AbstractButton {
             radius: width / 2
             color: "transparent"
             border.width: swatch.selected ? 2.2 : 1
-            border.color: swatch.selected ? Palette.blue : Palette.faded(Palette.ink, 0.18)
+            border.color: swatch.selected ? Colours.blue : Colours.faded(Colours.ink, 0.18)
         }
         Rectangle {
             visible: swatch.visualFocus
@@ -74,7 +76,7 @@ AbstractButton {
             radius: width / 2
             color: "transparent"
             border.width: 1
-            border.color: Palette.blue
+            border.color: Colours.blue
         }
     }
 }

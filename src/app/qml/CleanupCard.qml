@@ -1,20 +1,28 @@
-import Quelmo 1.0
+pragma ComponentBehavior: Bound
+import Quelmo
 import QtQuick
 import QtQuick.Controls.Basic
 
 // The cleanup card: the header with the count and "Cut all", the advisor's banner and criteria,
 // the mascot above the cut line, one row per candidate, the sensitivity slider and the advisor's
 // status. Its state (open or not, criteria shown, the row under the pointer) lives in the
-// popover's view; the cut itself in `feed.cut`.
+// popover's view, which the card asks to change it; the cut itself in `feed.cut`.
 LiquidCard {
     id: card
 
-    // The popover view whose state the card shows and changes.
-    required property Item popover
-    required property QtObject feed
+    required property CleanupFeed feed
+    required property bool expanded
+    required property bool showCriteria
+    required property int hoveredID
+    required property string lang
+    required property string catStyleRaw
+    required property LoopClock loops
 
-    readonly property var candidates: feed.candidates
-    readonly property bool expanded: popover.expanded.indexOf("cleanup") >= 0
+    signal toggleRequested
+    signal criteriaToggled
+    signal hoverRequested(int pid)
+
+    readonly property CandidateListModel candidates: feed.candidates
     readonly property var texts: feed.texts
     // The mascot's distance below its lane, following the cut sequence on its springs.
     property real catTravelY: 0
@@ -31,22 +39,20 @@ LiquidCard {
         return ys
     }
     function cutRow(pid) {
-        const ys = rowYs()
-        popover.rowYs = ys
-        feed.cut.cut([pid], pid, ys)
+        feed.cut.cut([pid], pid, rowYs())
     }
     function cutAll() {
         feed.cut.cut(candidates.cutTargetPids(), undefined, {})
     }
 
     objectName: "cleanupCard"
-    tint: candidates.count > 0 ? Palette.pink : "transparent"
+    tint: candidates.count > 0 ? Colours.pink : "transparent"
     spacing: 8
     Accessible.role: Accessible.Grouping
     Accessible.name: texts.cutPick
 
     Connections {
-        target: card.popover
+        target: card
         function onLangChanged() { card.feed.refreshLanguage() }
     }
     Connections {
@@ -82,13 +88,13 @@ LiquidCard {
         Accessible.checked: card.expanded
         Keys.onReturnPressed: clicked()
         Keys.onEnterPressed: clicked()
-        onClicked: card.popover.toggle("cleanup")
+        onClicked: card.toggleRequested()
 
         background: Rectangle {
             color: "transparent"
             radius: 6
             border.width: header.visualFocus ? 1.5 : 0
-            border.color: Palette.blue
+            border.color: Colours.blue
         }
         contentItem: Item {
             Row {
@@ -110,7 +116,7 @@ LiquidCard {
                     text: String(card.candidates.count)
                     font.pixelSize: 10
                     hPadding: 6
-                    color: Palette.faded(Palette.pink, 0.3)
+                    color: Colours.faded(Colours.pink, 0.3)
                     anchors.verticalCenter: parent.verticalCenter
                 }
             }
@@ -141,12 +147,12 @@ LiquidCard {
                         Symbol {
                             name: "scissors"
                             size: 10
-                            color: Palette.ink
+                            color: Colours.ink
                             anchors.verticalCenter: parent.verticalCenter
                         }
-                        Text {
+                        UiText {
                             text: cutAllButton.text
-                            color: Palette.ink
+                            color: Colours.ink
                             font.pixelSize: 11
                             font.weight: Font.DemiBold
                             anchors.verticalCenter: parent.verticalCenter
@@ -155,16 +161,16 @@ LiquidCard {
                     }
                     background: Rectangle {
                         radius: height / 2
-                        color: Palette.faded(Palette.pink, cutAllButton.down ? 0.75 : 0.55)
+                        color: Colours.faded(Colours.pink, cutAllButton.down ? 0.75 : 0.55)
                         border.width: cutAllButton.visualFocus ? 1.5 : 1
-                        border.color: cutAllButton.visualFocus ? Palette.blue
+                        border.color: cutAllButton.visualFocus ? Colours.blue
                                                                : Qt.rgba(1, 1, 1, 0.6)
                     }
                 }
                 Symbol {
                     name: "chevron.right"
                     size: 10
-                    color: Palette.secondary
+                    color: Colours.secondary
                     rotation: card.expanded ? 90 : 0
                     anchors.verticalCenter: parent.verticalCenter
                     Behavior on rotation { NumberAnimation { duration: 180; easing.type: Easing.InOutQuad } }
@@ -179,11 +185,11 @@ LiquidCard {
         gap: card.spacing
         AIBanner {
             feed: card.feed
-            showCriteria: card.popover.showCriteria
-            onClicked: card.popover.showCriteria = !card.popover.showCriteria
+            showCriteria: card.showCriteria
+            onClicked: card.criteriaToggled()
         }
         Reveal {
-            open: card.popover.showCriteria
+            open: card.showCriteria
             duration: 200
             gap: 8
             // The gap between the banner and the panel, inside the part that opens.
@@ -210,15 +216,15 @@ LiquidCard {
             trigger: card.feed.cut.cutTrigger
             hasTargets: card.candidates.cutTargetCount > 0
             travelY: card.catTravelY
-            styleRaw: card.popover.context.catStyleRaw
-            loops: card.popover.context.loops
+            styleRaw: card.catStyleRaw
+            loops: card.loops
         }
         DashLine {
             x: 2
             y: mascot.height + 2
             width: parent.width - 4
             height: 2
-            color: Palette.faded(Palette.ink, 0.16)
+            color: Colours.faded(Colours.ink, 0.16)
             lineWidth: 2
             // In units of the line width; the square caps add one on each side of a dash.
             dashPattern: [2, 3.5]
@@ -252,16 +258,17 @@ LiquidCard {
             Accessible.name: card.texts.cutPick
 
             delegate: CandidateRow {
-                hovered: card.popover.hoveredID === pid
+                id: candidate
+                hovered: card.hoveredID === candidate.pid
                 advisorAvailable: card.feed.advisorAvailable
                 texts: card.texts
                 onHoverChanged: inside => {
                     if (inside)
-                        card.popover.hoveredID = pid
-                    else if (card.popover.hoveredID === pid)
-                        card.popover.hoveredID = -1
+                        card.hoverRequested(candidate.pid)
+                    else if (card.hoveredID === candidate.pid)
+                        card.hoverRequested(-1)
                 }
-                onCutPressed: card.cutRow(pid)
+                onCutPressed: card.cutRow(candidate.pid)
             }
             add: Transition {
                 NumberAnimation { property: "opacity"; from: 0; to: 1; duration: 250; easing.type: Easing.InOutQuad }

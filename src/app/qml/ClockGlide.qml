@@ -1,4 +1,4 @@
-import Quelmo 1.0
+import Quelmo
 import QtQuick
 
 // A value that glides to `target` in steps of the loops' clock (15 a second) instead of Qt

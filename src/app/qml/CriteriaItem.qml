@@ -1,4 +1,4 @@
-import Quelmo 1.0
+import Quelmo
 import QtQuick
 
 // One criterion: its symbol in its colour, a title over a detail line.
@@ -6,7 +6,7 @@ Row {
     id: item
 
     property string symbol
-    property color tint: Palette.ink
+    property color tint: Colours.ink
     property string title
     property string detail
 

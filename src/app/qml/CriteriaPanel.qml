@@ -1,11 +1,14 @@
-import Quelmo 1.0
+pragma ComponentBehavior: Bound
+import Quelmo
 import QtQuick
 
 // How candidates are picked: nine fixed items in three groups.
 Rectangle {
     id: panel
 
-    required property QtObject feed
+    required property CleanupFeed feed
+    // The card's fixed texts in the current language, by key.
+    readonly property var texts: feed.texts
 
     objectName: "criteriaPanel"
     width: parent ? parent.width : 0
@@ -13,7 +16,7 @@ Rectangle {
     radius: 12
     color: Qt.rgba(1, 1, 1, 0.55)
     border.width: 1
-    border.color: Palette.faded(Palette.lav, 0.25)
+    border.color: Colours.faded(Colours.lav, 0.25)
 
     Column {
         id: body
@@ -23,27 +26,28 @@ Rectangle {
         spacing: 6
 
         UiText {
-            text: panel.feed.texts.criteriaTitle
+            text: panel.texts.criteriaTitle
             font.pixelSize: 10
             font.bold: true
         }
         Repeater {
             model: panel.feed.criteriaItems
             Column {
+                id: criterion
                 required property var modelData
                 width: body.width
                 spacing: 6
                 CriteriaItem {
-                    symbol: modelData.symbol
-                    tint: Palette[modelData.color]
-                    title: modelData.title
-                    detail: modelData.detail
+                    symbol: criterion.modelData.symbol
+                    tint: Colours[criterion.modelData.color]
+                    title: criterion.modelData.title
+                    detail: criterion.modelData.detail
                 }
                 Rectangle {
-                    visible: modelData.groupEnd
+                    visible: criterion.modelData.groupEnd
                     width: parent.width
                     height: 1
-                    color: Palette.faded(Palette.ink, 0.12)
+                    color: Colours.faded(Colours.ink, 0.12)
                 }
             }
         }

@@ -1,4 +1,4 @@
-import Quelmo 1.0
+import Quelmo
 import QtQuick
 import QtQuick.Controls.Basic
 
@@ -20,14 +20,16 @@ AbstractButton {
     bottomPadding: 3
     hoverEnabled: true
     focusPolicy: Qt.StrongFocus
-    ToolTip.visible: hovered || visualFocus
-    ToolTip.delay: 500
-    ToolTip.text: tip
     Accessible.role: Accessible.Button
     Accessible.name: text
     Accessible.description: rowName + " — " + tip
     Keys.onReturnPressed: clicked()
     Keys.onEnterPressed: clicked()
+
+    TextTip {
+        visible: button.hovered || button.visualFocus
+        text: button.tip
+    }
 
     contentItem: Row {
         spacing: 3
@@ -37,7 +39,7 @@ AbstractButton {
             color: "white"
             anchors.verticalCenter: parent.verticalCenter
         }
-        Text {
+        UiText {
             text: button.text
             color: "white"
             font.pixelSize: 10
@@ -48,9 +50,9 @@ AbstractButton {
     }
     background: Rectangle {
         radius: height / 2
-        color: button.keep ? Palette.gray : Palette.rose
+        color: button.keep ? Colours.gray : Colours.rose
         opacity: button.down ? 0.8 : 1
         border.width: button.visualFocus ? 1.5 : 0
-        border.color: Palette.blue
+        border.color: Colours.blue
     }
 }

@@ -1,4 +1,4 @@
-import Quelmo 1.0
+import Quelmo
 import QtQuick
 import QtQuick.Shapes
 
@@ -6,16 +6,17 @@ import QtQuick.Shapes
 Shape {
     id: line
 
-    property color color: Palette.ink
+    property color color: Colours.ink
     property real lineWidth: 1
-    property var dashPattern: [4, 3]
+    property alias dashPattern: path.dashPattern
 
     ShapePath {
+        id: path
         fillColor: "transparent"
         strokeColor: line.color
         strokeWidth: line.lineWidth
         strokeStyle: ShapePath.DashLine
-        dashPattern: line.dashPattern
+        dashPattern: [4, 3]
         startX: 0
         startY: line.height / 2
         PathLine { x: line.width; y: line.height / 2 }

@@ -1,11 +1,12 @@
-import Quelmo 1.0
+pragma ComponentBehavior: Bound
+import Quelmo
 import QtQuick
 
 // Language, cat style, launch at login, and the refresh note with Quit.
 Column {
     id: footer
 
-    required property QtObject context
+    required property PopoverContext context
     readonly property string lang: context.lang
 
     objectName: "footer"

@@ -1,4 +1,4 @@
-import Quelmo 1.0
+import Quelmo
 import QtQuick
 
 // The logo breathing between 0.98 and 1.04, the name and the chip, and the total power.
@@ -61,7 +61,7 @@ Item {
             text: Rules.watts(header.totalWatts, 1)
             font.pixelSize: 15
             font.weight: Font.DemiBold
-            color: Palette.blue
+            color: Colours.blue
         }
         UiText {
             anchors.right: parent.right

@@ -1,4 +1,5 @@
-import Quelmo 1.0
+pragma ComponentBehavior: Bound
+import Quelmo
 import QtQuick
 import QtQuick.Controls.Basic
 
@@ -6,11 +7,11 @@ import QtQuick.Controls.Basic
 ComboBox {
     id: picker
 
-    required property QtObject context
+    required property PopoverContext context
 
     objectName: "languagePicker"
     model: context.langChoices
-    currentIndex: context.langChoices.indexOf(context.langRaw)
+    currentIndex: context.langChoiceIndex
     displayText: Rules.languageChoiceLabel(context.langRaw, context.lang)
     font.pixelSize: 11
     implicitHeight: 20
@@ -24,7 +25,7 @@ ComboBox {
         id: caption
         text: picker.displayText
         font.pixelSize: 11
-        color: Palette.ink
+        color: Colours.ink
         verticalAlignment: Text.AlignVCenter
         Accessible.ignored: true
     }
@@ -34,13 +35,13 @@ ComboBox {
         name: "chevron.right"
         rotation: 90
         size: 8
-        color: Palette.blue
+        color: Colours.blue
     }
     background: Rectangle {
         radius: 6
-        color: picker.pressed ? Palette.faded(Palette.blue, 0.25) : Palette.faded(Palette.blue, 0.14)
+        color: picker.pressed ? Colours.faded(Colours.blue, 0.25) : Colours.faded(Colours.blue, 0.14)
         border.width: picker.visualFocus ? 1 : 0
-        border.color: Palette.blue
+        border.color: Colours.blue
     }
     delegate: ItemDelegate {
         id: choice
@@ -60,7 +61,7 @@ ComboBox {
             Accessible.ignored: true
         }
         background: Rectangle {
-            color: choice.highlighted ? Palette.faded(Palette.blue, 0.2) : "transparent"
+            color: choice.highlighted ? Colours.faded(Colours.blue, 0.2) : "transparent"
             radius: 4
         }
     }

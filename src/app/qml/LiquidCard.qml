@@ -1,4 +1,4 @@
-import Quelmo 1.0
+import Quelmo
 import QtQuick
 
 // The cards' style: a rounded rectangle (radius 18) filled with its tint at 0.55, or white at 0.88
@@ -28,7 +28,7 @@ Item {
     Rectangle {
         anchors.fill: parent
         radius: 18
-        color: card.tint.a > 0 ? Palette.faded(card.tint, 0.55) : Qt.rgba(1, 1, 1, 0.88)
+        color: card.tint.a > 0 ? Colours.faded(card.tint, 0.55) : Qt.rgba(1, 1, 1, 0.88)
     }
     Column {
         id: body

@@ -1,4 +1,4 @@
-import Quelmo 1.0
+import Quelmo
 import QtQuick
 import QtQuick.Controls.Basic
 
@@ -7,7 +7,7 @@ import QtQuick.Controls.Basic
 Switch {
     id: toggle
 
-    required property QtObject context
+    required property PopoverContext context
     property string lang: "en"
 
     objectName: "loginSwitch"
@@ -36,9 +36,9 @@ Switch {
         implicitHeight: 14
         y: (toggle.height - height) / 2
         radius: height / 2
-        color: toggle.checked ? Palette.blue : Palette.faded(Palette.ink, 0.18)
+        color: toggle.checked ? Colours.blue : Colours.faded(Colours.ink, 0.18)
         border.width: toggle.visualFocus ? 1 : 0
-        border.color: Palette.ink
+        border.color: Colours.ink
 
         Rectangle {
             width: 12

@@ -1,4 +1,4 @@
-import Quelmo 1.0
+import Quelmo
 import QtQuick
 import QtQuick.Controls.Basic
 
@@ -9,7 +9,7 @@ Column {
 
     property string title
     property string icon
-    property color color: Palette.blue
+    property color color: Colours.blue
     property real value
     property string valueText
     property string detail
@@ -60,9 +60,6 @@ Column {
             anchors.right: parent.right
             anchors.verticalCenter: parent.verticalCenter
             hoverEnabled: true
-            ToolTip.visible: hovered
-            ToolTip.delay: 600
-            ToolTip.text: tip
             Accessible.role: Accessible.Button
             Accessible.name: bar.title + " — " + tip
             Accessible.description: tip
@@ -72,11 +69,17 @@ Column {
             Accessible.onPressAction: bar.toggle()
             onClicked: bar.toggle()
 
+            TextTip {
+                visible: chevron.hovered
+                delay: 600
+                text: chevron.tip
+            }
+
             contentItem: Item {
                 Symbol {
                     anchors.centerIn: parent
                     name: "chevron.right"
-                    color: Palette.secondary
+                    color: Colours.secondary
                     size: 10
                     rotation: bar.isExpanded ? 90 : 0
                     Behavior on rotation {
@@ -86,9 +89,9 @@ Column {
             }
             background: Rectangle {
                 radius: 4
-                color: chevron.hovered ? Palette.track : "transparent"
+                color: chevron.hovered ? Colours.track : "transparent"
                 border.width: chevron.visualFocus ? 1 : 0
-                border.color: Palette.blue
+                border.color: Colours.blue
             }
         }
     }
@@ -100,7 +103,7 @@ Column {
         Rectangle {
             anchors.fill: parent
             radius: height / 2
-            color: Palette.track
+            color: Colours.track
         }
         Rectangle {
             objectName: "fill"
@@ -109,7 +112,7 @@ Column {
             width: Rules.barFillWidth(parent.width, bar.value)
             gradient: Gradient {
                 orientation: Gradient.Horizontal
-                GradientStop { position: 0; color: Palette.faded(bar.color, 0.75) }
+                GradientStop { position: 0; color: Colours.faded(bar.color, 0.75) }
                 GradientStop { position: 1; color: bar.color }
             }
         }

@@ -1,4 +1,4 @@
-import Quelmo 1.0
+import Quelmo
 import QtQuick
 
 // CPU (with the per-core strip, or the top CPU processes when expanded), GPU, Neural Engine and
@@ -6,8 +6,8 @@ import QtQuick
 LiquidCard {
     id: section
 
-    required property QtObject metrics
-    required property QtObject context
+    required property PopoverReadings readings
+    required property PopoverContext context
     property var expanded: []
     property string lang: "en"
 
@@ -23,10 +23,10 @@ LiquidCard {
         objectName: "cpuBar"
         title: "CPU"
         icon: "cpu"
-        color: Palette.blue
-        value: section.metrics.cpuTotal
-        valueText: Rules.pct(section.metrics.cpuTotal)
-        detail: section.metrics.coreSummary
+        color: Colours.blue
+        value: section.readings.cpuTotal
+        valueText: Rules.pct(section.readings.cpuTotal)
+        detail: section.readings.coreSummary
         expandable: true
         isExpanded: section.cpuExpanded
         lang: section.lang
@@ -38,46 +38,46 @@ LiquidCard {
         ProcessList {
             objectName: "topCPUList"
             procs: section.context.topCPU
-            color: Palette.blue
+            color: Colours.blue
             kind: "cpu"
             lang: section.lang
         }
     }
     Reveal {
-        open: !section.cpuExpanded && section.metrics.cpuPerCore.length > 0
+        open: !section.cpuExpanded && section.readings.cpuPerCore.length > 0
         gap: section.spacing
         CoreStrip {
             objectName: "coreStrip"
-            cores: section.metrics.cpuPerCore
-            color: Palette.blue
+            cores: section.readings.cpuPerCore
+            color: Colours.blue
         }
     }
     MetricBar {
         objectName: "gpuBar"
         title: "GPU"
         icon: "display"
-        color: Palette.lav
-        value: section.metrics.gpu
-        valueText: Rules.pct(section.metrics.gpu)
-        detail: Rules.watts(section.metrics.gpuWatts, 2)
+        color: Colours.lav
+        value: section.readings.gpu
+        valueText: Rules.pct(section.readings.gpu)
+        detail: Rules.watts(section.readings.gpuWatts, 2)
     }
     MetricBar {
         objectName: "aneBar"
         title: "Neural Engine"
         icon: "brain.head.profile"
-        color: Palette.pink
-        value: section.metrics.aneLoad
-        valueText: Rules.watts(section.metrics.aneWatts, 2)
+        color: Colours.pink
+        value: section.readings.aneLoad
+        valueText: Rules.watts(section.readings.aneWatts, 2)
         detail: "ANE"
     }
     MetricBar {
         objectName: "memoryBar"
         title: "Memory"
         icon: "memorychip"
-        color: Palette.sage
-        value: section.metrics.memFraction
-        valueText: Rules.pct(section.metrics.memFraction)
-        detail: Rules.memDetail(section.metrics.memUsed, section.metrics.memTotal)
+        color: Colours.sage
+        value: section.readings.memFraction
+        valueText: Rules.pct(section.readings.memFraction)
+        detail: Rules.memDetail(section.readings.memUsed, section.readings.memTotal)
         expandable: true
         isExpanded: section.memoryExpanded
         lang: section.lang
@@ -89,7 +89,7 @@ LiquidCard {
         ProcessList {
             objectName: "topMemList"
             procs: section.context.topMem
-            color: Palette.sage
+            color: Colours.sage
             kind: "memory"
             lang: section.lang
         }

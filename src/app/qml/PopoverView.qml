@@ -1,4 +1,5 @@
-import Quelmo 1.0
+pragma ComponentBehavior: Bound
+import Quelmo
 import QtQuick
 import QtQuick.Controls.Basic
 
@@ -8,19 +9,16 @@ Item {
     id: view
 
     required property PopoverContext context
-    // What the cleanup card shows and cuts with; no card without it.
-    property CleanupFeed cleanup: null
-    readonly property QtObject metrics: context.metrics
+    // What the cleanup card shows and cuts with.
+    required property CleanupFeed cleanup
+    readonly property PopoverReadings readings: context.readings
     readonly property string lang: context.lang
 
     // Which collapsible sections are open: "cpu", "memory", "cleanup".
     property var expanded: []
     // The cleanup card's state (the card fills `cleanupCardSlot`).
-    property int cutTrigger: 0
     property bool showCriteria: false
     property int hoveredID: -1
-    property var rowYs: ({})
-    property real catTravelY: 0
 
     readonly property real contentHeight: stack.implicitHeight + 2 * stack.y
     readonly property real maxHeight: context.maxHeight
@@ -43,12 +41,12 @@ Item {
         height: view.implicitHeight
         y: view.contentAtBottom ? view.height - height : 0
 
-        // Palette.bg at 0.2 over the light base, in one opaque fill (one blend less per frame).
+        // Colours.bg at 0.2 over the light base, in one opaque fill (one blend less per frame).
         Rectangle {
             anchors.fill: parent
-            color: Qt.tint(Palette.base, Palette.faded(Palette.bg, 0.2))
+            color: Qt.tint(Colours.base, Colours.faded(Colours.bg, 0.2))
             border.width: 1
-            border.color: Palette.faded(Palette.ink, 0.16)
+            border.color: Colours.faded(Colours.ink, 0.16)
         }
 
         Flickable {
@@ -72,30 +70,35 @@ Item {
                 spacing: 12
 
                 Header {
-                    chipName: view.metrics.chipName
-                    totalWatts: view.metrics.totalWatts
+                    chipName: view.readings.chipName
+                    totalWatts: view.readings.totalWatts
                     styleRaw: view.context.catStyleRaw
                     loops: view.context.loops
                 }
 
-                // The cleanup card goes here, between the header and the metrics.
-                Loader {
-                    id: cleanupCardSlot
+                // The cleanup card, between the header and the metrics.
+                Item {
                     objectName: "cleanupCardSlot"
                     width: parent.width
-                    visible: item !== null
-                    sourceComponent: view.cleanup ? cleanupCard : null
-                }
-                Component {
-                    id: cleanupCard
+                    implicitHeight: cleanupCard.implicitHeight
                     CleanupCard {
-                        popover: view
+                        id: cleanupCard
+                        width: parent.width
                         feed: view.cleanup
+                        expanded: view.expanded.indexOf("cleanup") >= 0
+                        showCriteria: view.showCriteria
+                        hoveredID: view.hoveredID
+                        lang: view.lang
+                        catStyleRaw: view.context.catStyleRaw
+                        loops: view.context.loops
+                        onToggleRequested: view.toggle("cleanup")
+                        onCriteriaToggled: view.showCriteria = !view.showCriteria
+                        onHoverRequested: pid => view.hoveredID = pid
                     }
                 }
 
                 MetricsSection {
-                    metrics: view.metrics
+                    readings: view.readings
                     context: view.context
                     expanded: view.expanded
                     lang: view.lang
@@ -103,7 +106,7 @@ Item {
                 }
 
                 PowerCard {
-                    metrics: view.metrics
+                    readings: view.readings
                 }
 
                 Footer {
@@ -111,5 +114,12 @@ Item {
                 }
             }
         }
+    }
+
+    // The one tooltip of the texts cut to their width (see UiText).
+    TextTip {
+        parent: CutTextTip.owner ? CutTextTip.owner : view
+        visible: CutTextTip.owner !== null
+        text: CutTextTip.text
     }
 }

@@ -1,11 +1,11 @@
-import Quelmo 1.0
+import Quelmo
 import QtQuick
 
 // Total watts, the stacked bar of the four components and its legend.
 LiquidCard {
     id: card
 
-    required property QtObject metrics
+    required property PopoverReadings readings
 
     objectName: "powerCard"
     spacing: 7
@@ -18,31 +18,31 @@ LiquidCard {
             symbol: "bolt.fill"
             text: "Power"
             size: 12
-            color: Palette.peach
+            color: Colours.peach
             weight: Font.DemiBold
             anchors.verticalCenter: parent.verticalCenter
         }
         UiText {
             anchors.right: parent.right
             anchors.verticalCenter: parent.verticalCenter
-            text: Rules.watts(card.metrics.totalWatts, 2)
+            text: Rules.watts(card.readings.totalWatts, 2)
             font.pixelSize: 12
             font.weight: Font.DemiBold
         }
     }
 
     StackedPowerBar {
-        cpu: card.metrics.cpuWatts
-        gpu: card.metrics.gpuWatts
-        ane: card.metrics.aneWatts
-        dram: card.metrics.dramWatts
+        cpu: card.readings.cpuWatts
+        gpu: card.readings.gpuWatts
+        ane: card.readings.aneWatts
+        dram: card.readings.dramWatts
     }
 
     Row {
         spacing: 12
-        PowerLegend { color: Palette.blue; label: "CPU"; watts: card.metrics.cpuWatts }
-        PowerLegend { color: Palette.lav; label: "GPU"; watts: card.metrics.gpuWatts }
-        PowerLegend { color: Palette.pink; label: "ANE"; watts: card.metrics.aneWatts }
-        PowerLegend { color: Palette.gray; label: "RAM"; watts: card.metrics.dramWatts }
+        PowerLegend { color: Colours.blue; label: "CPU"; watts: card.readings.cpuWatts }
+        PowerLegend { color: Colours.lav; label: "GPU"; watts: card.readings.gpuWatts }
+        PowerLegend { color: Colours.pink; label: "ANE"; watts: card.readings.aneWatts }
+        PowerLegend { color: Colours.gray; label: "RAM"; watts: card.readings.dramWatts }
     }
 }

@@ -1,4 +1,4 @@
-import Quelmo 1.0
+import Quelmo
 import QtQuick
 
 // One entry of the power legend: a dot, the component's name and its watts.

@@ -1,4 +1,5 @@
-import Quelmo 1.0
+pragma ComponentBehavior: Bound
+import Quelmo
 import QtQuick
 
 // The top processes under an expanded bar: name, a bar scaled to the busiest one, and the figure.
@@ -7,7 +8,7 @@ Column {
     id: list
 
     property ProcessListModel procs
-    property color color: Palette.blue
+    property color color: Colours.blue
     // "cpu" or "memory"
     property string kind: "cpu"
     property string lang: "en"
@@ -42,11 +43,13 @@ Column {
 
             UiText {
                 id: label
+                objectName: "processName"
                 text: row.name
                 font.pixelSize: 11
                 elide: Text.ElideMiddle
                 maximumLineCount: 1
-                width: Math.min(implicitWidth, 150)
+                // One width for every name, so equal values draw equal bars.
+                width: 150
                 anchors.verticalCenter: parent.verticalCenter
             }
             Item {
@@ -61,12 +64,12 @@ Column {
                 Rectangle {
                     anchors.fill: parent
                     radius: height / 2
-                    color: Palette.faded(list.color, 0.2)
+                    color: Colours.faded(list.color, 0.2)
                 }
                 Rectangle {
                     height: parent.height
                     radius: height / 2
-                    color: Palette.faded(list.color, 0.65)
+                    color: Colours.faded(list.color, 0.65)
                     width: Rules.processFillWidth(track.width,
                                                   list.kind === "cpu" ? row.cpu : row.rss,
                                                   list.maxValue)
@@ -74,6 +77,7 @@ Column {
             }
             UiText {
                 id: figure
+                objectName: "processFigure"
                 width: 52
                 anchors.right: parent.right
                 anchors.verticalCenter: parent.verticalCenter

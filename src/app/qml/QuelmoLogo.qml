@@ -1,4 +1,5 @@
-import Quelmo 1.0
+pragma ComponentBehavior: Bound
+import Quelmo
 import QtQuick
 
 // The logo: a cat holding scissors, in the chosen cat style, drawn in a 100 x 100 frame and
@@ -7,8 +8,8 @@ Item {
     id: logo
 
     property string styleRaw: "white"
-    property color pink: Palette.pink
-    property color blue: Palette.blue
+    property color pink: Colours.pink
+    property color blue: Colours.blue
 
     readonly property color fur: Rules.catFur(styleRaw)
     readonly property color outline: Rules.catOutline(styleRaw)
@@ -64,20 +65,21 @@ Item {
         Repeater {
             model: [{ x: 30, y: 66, angle: 40 }, { x: 61, y: 66, angle: -40 }]
             Item {
+                id: ear
                 required property var modelData
-                x: modelData.x
-                y: modelData.y
+                x: ear.modelData.x
+                y: ear.modelData.y
                 Rectangle {
                     width: 9
                     height: 18
                     radius: 4.5
-                    rotation: modelData.angle
+                    rotation: ear.modelData.angle
                     color: logo.fur
                     border.color: logo.outline
                     border.width: 1.4
                 }
                 Rectangle {
-                    x: modelData.angle > 0 ? 6 : -6
+                    x: ear.modelData.angle > 0 ? 6 : -6
                     y: 12
                     width: 9
                     height: 9
@@ -100,13 +102,14 @@ Item {
             Repeater {
                 model: [{ x: 4, mirrored: false }, { x: 37, mirrored: true }]
                 Item {
+                    id: logoEar
                     required property var modelData
-                    x: modelData.x
+                    x: logoEar.modelData.x
                     y: -11
                     width: 21
                     height: 19
-                    rotation: modelData.mirrored ? 9 : -9
-                    transform: Scale { origin.x: 10.5; xScale: modelData.mirrored ? -1 : 1 }
+                    rotation: logoEar.modelData.mirrored ? 9 : -9
+                    transform: Scale { origin.x: 10.5; xScale: logoEar.modelData.mirrored ? -1 : 1 }
                     CatEarShape {
                         anchors.fill: parent
                         fillColor: logo.fur
@@ -139,9 +142,10 @@ Item {
                 Repeater {
                     model: [9, 12, 9]
                     Rectangle {
+                        id: whisker
                         required property real modelData
                         width: 3.5
-                        height: modelData
+                        height: whisker.modelData
                         radius: 1.75
                         color: Rules.catStripes()
                     }
@@ -185,14 +189,15 @@ Item {
                 model: [{ x: -5, angle: 6, y: 30 }, { x: -5, angle: -6, y: 35 },
                         { x: 53, angle: -6, y: 30 }, { x: 53, angle: 6, y: 35 }]
                 Rectangle {
+                    id: eye
                     required property var modelData
-                    x: modelData.x
-                    y: modelData.y
+                    x: eye.modelData.x
+                    y: eye.modelData.y
                     width: 14
                     height: 1.2
                     radius: 0.6
-                    rotation: modelData.angle
-                    color: Palette.faded(Palette.ink, 0.35)
+                    rotation: eye.modelData.angle
+                    color: Colours.faded(Colours.ink, 0.35)
                 }
             }
         }

@@ -1,4 +1,4 @@
-import Quelmo 1.0
+import Quelmo
 import QtQuick
 import QtQuick.Controls.Basic
 
@@ -18,16 +18,16 @@ AbstractButton {
     Keys.onReturnPressed: button.clicked()
     Accessible.onPressAction: button.clicked()
 
-    contentItem: Text {
+    contentItem: UiText {
         text: button.text
         font: button.font
-        color: Palette.secondary
+        color: Colours.secondary
         Accessible.ignored: true
     }
     background: Rectangle {
         radius: 7
-        color: button.down ? Palette.faded(Palette.ink, 0.14) : Palette.faded(Palette.ink, 0.07)
+        color: button.down ? Colours.faded(Colours.ink, 0.14) : Colours.faded(Colours.ink, 0.07)
         border.width: button.visualFocus ? 1 : 0
-        border.color: Palette.blue
+        border.color: Colours.blue
     }
 }

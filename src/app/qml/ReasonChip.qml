@@ -1,4 +1,4 @@
-import Quelmo 1.0
+import Quelmo
 import QtQuick
 
 // Why a process is offered: the reason's symbol and label on a capsule of the reason's colour.
@@ -7,12 +7,12 @@ Rectangle {
 
     property string symbol
     property string label
-    property color tint: Palette.gray
+    property color tint: Colours.gray
 
     implicitWidth: content.implicitWidth + 10
     implicitHeight: content.implicitHeight + 2
     radius: height / 2
-    color: Palette.faded(tint, 0.45)
+    color: Colours.faded(tint, 0.45)
     Accessible.role: Accessible.StaticText
     Accessible.name: label
 
@@ -23,14 +23,14 @@ Rectangle {
         Symbol {
             name: chip.symbol
             size: 7
-            color: Palette.faded(Palette.ink, 0.85)
+            color: Colours.faded(Colours.ink, 0.85)
             anchors.verticalCenter: parent.verticalCenter
         }
-        Text {
+        UiText {
             text: chip.label
             font.pixelSize: 8
             font.weight: Font.DemiBold
-            color: Palette.faded(Palette.ink, 0.85)
+            color: Colours.faded(Colours.ink, 0.85)
             anchors.verticalCenter: parent.verticalCenter
             Accessible.ignored: true
         }

@@ -1,4 +1,4 @@
-import Quelmo 1.0
+import Quelmo
 import QtQuick
 import QtQuick.Controls.Basic
 
@@ -6,7 +6,9 @@ import QtQuick.Controls.Basic
 Row {
     id: row
 
-    required property QtObject feed
+    required property CleanupFeed feed
+    // The card's fixed texts in the current language, by key.
+    readonly property var texts: feed.texts
 
     objectName: "sensitivityRow"
     width: parent ? parent.width : 0
@@ -15,18 +17,18 @@ Row {
     Symbol {
         name: "dial.medium.fill"
         size: 9
-        color: Palette.secondary
+        color: Colours.secondary
         anchors.verticalCenter: parent.verticalCenter
     }
     UiText {
-        text: row.feed.texts.sensitivity
+        text: row.texts.sensitivity
         secondary: true
         font.pixelSize: 9
         font.weight: Font.Medium
         anchors.verticalCenter: parent.verticalCenter
     }
     UiText {
-        text: row.feed.texts.lax
+        text: row.texts.lax
         secondary: true
         font.pixelSize: 8
         anchors.verticalCenter: parent.verticalCenter
@@ -43,7 +45,7 @@ Row {
         padding: 0
         focusPolicy: Qt.StrongFocus
         anchors.verticalCenter: parent.verticalCenter
-        Accessible.name: row.feed.texts.sensitivity
+        Accessible.name: row.texts.sensitivity
         onMoved: row.feed.sensitivity = value
 
         background: Rectangle {
@@ -52,12 +54,12 @@ Row {
             width: slider.availableWidth
             height: 3
             radius: 1.5
-            color: Palette.track
+            color: Colours.track
             Rectangle {
                 width: slider.visualPosition * parent.width
                 height: parent.height
                 radius: 1.5
-                color: Palette.blue
+                color: Colours.blue
             }
         }
         handle: Rectangle {
@@ -68,12 +70,12 @@ Row {
             radius: 6
             color: "white"
             border.width: slider.visualFocus ? 1.5 : 0.5
-            border.color: slider.visualFocus ? Palette.blue : Palette.faded(Palette.ink, 0.3)
+            border.color: slider.visualFocus ? Colours.blue : Colours.faded(Colours.ink, 0.3)
         }
     }
     UiText {
         id: keen
-        text: row.feed.texts.keen
+        text: row.texts.keen
         secondary: true
         font.pixelSize: 8
         anchors.verticalCenter: parent.verticalCenter

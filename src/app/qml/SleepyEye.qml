@@ -1,4 +1,4 @@
-import Quelmo 1.0
+import Quelmo
 import QtQuick
 import QtQuick.Shapes
 
@@ -6,7 +6,7 @@ import QtQuick.Shapes
 Shape {
     id: eye
 
-    property color color: Palette.ink
+    property color color: Colours.ink
     property real lineWidth: 1.4
 
     ShapePath {

@@ -1,4 +1,5 @@
-import Quelmo 1.0
+pragma ComponentBehavior: Bound
+import Quelmo
 import QtQuick
 import QtQuick.Shapes
 
@@ -13,7 +14,7 @@ Item {
     property real dram
 
     readonly property var paths: Rules.powerSegmentPaths(cpu, gpu, ane, dram, width, height)
-    readonly property var colors: [Palette.blue, Palette.lav, Palette.pink, Palette.gray]
+    readonly property var colors: [Colours.blue, Colours.lav, Colours.pink, Colours.gray]
 
     width: parent ? parent.width : 0
     height: 8
@@ -21,20 +22,21 @@ Item {
     Rectangle {
         anchors.fill: parent
         radius: height / 2
-        color: Palette.track
+        color: Colours.track
     }
     Repeater {
         model: 4
 
         Shape {
+            id: segment
             required property int index
 
             anchors.fill: parent
             ShapePath {
                 strokeWidth: -1
                 strokeColor: "transparent"
-                fillColor: bar.colors[index]
-                PathSvg { path: bar.paths[index] }
+                fillColor: bar.colors[segment.index]
+                PathSvg { path: bar.paths[segment.index] }
             }
         }
     }

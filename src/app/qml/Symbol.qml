@@ -1,10 +1,10 @@
-import Quelmo 1.0
+import Quelmo
 import QtQuick
 
 // One of the popover's symbols (Phosphor icons), in one colour or a gradient to `gradientTo`.
 Image {
     property string name
-    property color color: Palette.ink
+    property color color: Colours.ink
     property color gradientTo: "transparent"
     // Colours to shade left to right through instead (two or more).
     property var gradientAcross: []

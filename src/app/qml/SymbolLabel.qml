@@ -1,4 +1,4 @@
-import Quelmo 1.0
+import Quelmo
 import QtQuick
 
 // A small label with its symbol in front: the footer's row titles, the power card's title.
@@ -8,7 +8,7 @@ Row {
     property alias symbol: glyph.name
     property alias text: caption.text
     property bool secondary: true
-    property color color: secondary ? Palette.secondary : Palette.ink
+    property color color: secondary ? Colours.secondary : Colours.ink
     property int weight: Font.Normal
     property real size: 10
 

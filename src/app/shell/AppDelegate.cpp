@@ -18,8 +18,7 @@ AppDelegate::AppDelegate(Platform platform, Shell shell, QObject* parent)
 }
 
 AppDelegate::~AppDelegate() {
-    // The window's QML may still look at the hub; let it go while the hub is alive.
-    metrics_.onUpdate = nullptr;
+    disconnect(&metrics_, nullptr, this, nullptr);
     popover_.discardSurface();
     delete contextMenu_;
 }
@@ -38,10 +37,7 @@ void AppDelegate::applicationDidFinishLaunching() {
                 &AppDelegate::runMenuEntry);
     }
 
-    metrics_.onUpdate = [self = QPointer<AppDelegate>(this)] {
-        if (self)
-            self->updateStatusTitle();
-    };
+    connect(&metrics_, &SystemMetrics::ticked, this, &AppDelegate::updateStatusTitle);
     metrics_.start();
 }
 

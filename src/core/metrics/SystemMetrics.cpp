@@ -125,8 +125,7 @@ void SystemMetrics::update() {
 
     if (pollProcesses_)
         refreshProcesses();
-    if (onUpdate)
-        onUpdate();
+    emit ticked();
 }
 
 void SystemMetrics::savePending() {
@@ -268,10 +267,6 @@ int SystemMetrics::terminate(const QList<ProcessIdentity>& targets) {
 
 void SystemMetrics::queueAIEvaluations() {
     queue_.queueCandidates(cleanupCandidates_);
-}
-
-void SystemMetrics::pumpAI() {
-    queue_.pump();
 }
 
 void SystemMetrics::reevaluateAI() {

@@ -101,11 +101,8 @@ public:
     QString chipName() const { return chipName_; }
     QString coreSummary() const { return coreSummary_; }
     double memoryGB() const { return memoryGB_; }
-    std::function<void()> onUpdate;
 
     const QSet<qint64>& cuttingPIDs() const { return cuttingPIDs_; }
-    const QList<AIQueueEntry>& aiQueue() const { return queue_.entries(); }
-    bool aiBusy() const { return queue_.busy(); }
 
     static constexpr double aneMaxWatts = 8.0;
     static constexpr int tickIntervalMs = 1000;
@@ -128,11 +125,12 @@ signals:
     void cleanupCandidatesChanged();
     void aiVerdictsChanged();
     void sensitivityChanged();
+    // After every refresh, once each reading has told its own change.
+    void ticked();
 
 private:
     QList<CleanupCandidate> computeCleanupCandidates(const std::vector<ProcInfo>& procs) const;
     void queueAIEvaluations();
-    void pumpAI();
     void applyProcessScan(quint64 ticket, ProcessScan scan);
     void publishProcesses(const std::vector<ProcInfo>& snapshot);
 

@@ -64,11 +64,13 @@ TEST(CutSequenceTest, JourneyToTheRowThenSnipThenQuitThenBack) {
     clock.runUntil(CutSequence::returnAtMs);
     EXPECT_EQ(cut.catTravelY(), 0);
     EXPECT_NE(cut.travelSpring(), goingSpring); // it walks back on a softer spring
+    clock.runUntil(CutSequence::repeatGuardMs);
     EXPECT_TRUE(clock.pending.empty());
 }
 
 // A row too close to the lane, one whose place is unknown, and every "Cut all": the snip and the
-// quit request come at once, with nothing left for later.
+// quit request come at once, with nothing left for later; "Cut all" asks only what is not yet
+// being cut.
 TEST(CutSequenceTest, NoJourneyCutsAtOnce) {
     ManualClock clock;
     Cuts terminated;
@@ -79,9 +81,10 @@ TEST(CutSequenceTest, NoJourneyCutsAtOnce) {
     cut.executeCut(listedAll({9}), 9, rows);
     cut.executeCut(listedAll({7, 8, 9}), std::nullopt, rows);
     EXPECT_EQ(cut.cutTrigger(), 3);
-    EXPECT_EQ(terminated, (Cuts{listedAll({7}), listedAll({9}), listedAll({7, 8, 9})}));
+    EXPECT_EQ(terminated, (Cuts{listedAll({7}), listedAll({9}), listedAll({8})}));
     EXPECT_EQ(cut.catTravelY(), 0);
-    EXPECT_TRUE(clock.pending.empty());
+    for (const auto& [dueMs, step] : clock.pending) // only the guards against a second press
+        EXPECT_EQ(dueMs, CutSequence::repeatGuardMs);
 
     cut.executeCut({}, 8, rows);
     EXPECT_EQ(cut.cutTrigger(), 3);
@@ -121,4 +124,23 @@ TEST(CutSequenceTest, LaterStepsOutliveNothing) {
     }
     clock.runUntil(CutSequence::returnAtMs);
     EXPECT_EQ(terminations, 0);
+}
+
+// A double click on Cut, or Cut all right after a row's Cut: each process is asked once.
+TEST(CutSequenceTest, APidPressedAgainIsNotCutTwice) {
+    ManualClock clock;
+    Cuts terminated;
+    CutSequence cut([&](const QList<ProcessIdentity>& targets) { terminated.append(targets); },
+                    listed, clock.schedule());
+
+    cut.executeCut(listedAll({8}), 8, rows);
+    cut.executeCut(listedAll({8}), 8, rows);
+    cut.executeCut(listedAll({7, 8}), std::nullopt, rows);
+    clock.runUntil(CutSequence::returnAtMs);
+    EXPECT_EQ(terminated, (Cuts{listedAll({7}), listedAll({8})}));
+
+    // Later the pid may be another process's: it can be cut again.
+    clock.runUntil(CutSequence::repeatGuardMs);
+    cut.executeCut(listedAll({8}), std::nullopt, rows);
+    EXPECT_EQ(terminated.size(), 3);
 }

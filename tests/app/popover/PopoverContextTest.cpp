@@ -4,7 +4,6 @@
 #include "support/TempSettings.h"
 
 #include <QSignalSpy>
-#include <QTimer>
 #include <gtest/gtest.h>
 
 namespace quelmo {
@@ -30,7 +29,7 @@ protected:
 };
 
 TEST_F(PopoverContextTest, LanguageChoiceIsStoredAndAsksAgain) {
-    PopoverContext context(nullptr, hooks());
+    PopoverContext context(hooks());
     EXPECT_EQ(context.langRaw(), "auto");
     EXPECT_EQ(context.langChoices(), QStringList({"auto", "ko", "en"}));
 
@@ -44,7 +43,7 @@ TEST_F(PopoverContextTest, LanguageChoiceIsStoredAndAsksAgain) {
 }
 
 TEST_F(PopoverContextTest, CatStyleIsStoredAndSeenFromElsewhere) {
-    PopoverContext context(nullptr, hooks());
+    PopoverContext context(hooks());
     QSignalSpy style(&context, &PopoverContext::catStyleRawChanged);
     context.setCatStyleRaw("black");
     EXPECT_EQ(Preferences::catStyleRaw(), "black");
@@ -58,7 +57,7 @@ TEST_F(PopoverContextTest, CatStyleIsStoredAndSeenFromElsewhere) {
 
 TEST_F(PopoverContextTest, LaunchAtLoginShowsTheRealState) {
     loginEntry = true;
-    PopoverContext context(nullptr, hooks());
+    PopoverContext context(hooks());
     EXPECT_TRUE(context.launchAtLogin());
 
     context.setLaunchAtLogin(false);
@@ -72,27 +71,38 @@ TEST_F(PopoverContextTest, LaunchAtLoginShowsTheRealState) {
     EXPECT_EQ(changes.count(), 2);
 }
 
-TEST_F(PopoverContextTest, HiddenViewsSeeAStillCopyOfTheReadings) {
-    QTimer hub; // any object with readable properties stands for the hub
-    hub.setInterval(1000);
-    PopoverContext context(&hub, hooks());
+Readings cpuAt(double total, QList<double> perCore = {}) {
+    Readings readings;
+    readings.cpuTotal = total;
+    readings.cpuPerCore = std::move(perCore);
+    return readings;
+}
+
+TEST_F(PopoverContextTest, HiddenViewsSeeTheReadingsOfTheirLastShowing) {
+    PopoverContext context(hooks());
+    PopoverReadings& readings = *context.readings();
+    QSignalSpy changed(&readings, &PopoverReadings::changed);
     context.setShown(true);
-    EXPECT_EQ(context.metrics(), &hub);
+    context.setReadings(cpuAt(0.5, {0.5, 0.5}));
+    EXPECT_EQ(readings.cpuTotal(), 0.5);
+    context.setReadings(cpuAt(0.5, {0.5, 0.5})); // the same: no change
+    EXPECT_EQ(changed.count(), 1);
 
     context.setShown(false);
-    QObject* still = context.metrics();
-    ASSERT_NE(still, &hub);
-    hub.setInterval(250);
-    EXPECT_EQ(still->property("interval").toInt(), 1000);
+    context.setReadings(cpuAt(0.25));
+    context.setReadings(cpuAt(0.75));
+    EXPECT_EQ(readings.cpuTotal(), 0.5);
+    EXPECT_EQ(changed.count(), 1);
 
-    QSignalSpy switched(&context, &PopoverContext::metricsChanged);
+    // Shown again: the latest readings at once, in one change.
     context.setShown(true);
-    EXPECT_EQ(context.metrics(), &hub);
-    EXPECT_EQ(switched.count(), 1);
+    EXPECT_EQ(readings.cpuTotal(), 0.75);
+    EXPECT_TRUE(readings.cpuPerCore().isEmpty());
+    EXPECT_EQ(changed.count(), 2);
 }
 
 TEST_F(PopoverContextTest, EndlessLoopsRunOnlyWhileShownAndResumeWhereTheyStopped) {
-    PopoverContext context(nullptr, hooks());
+    PopoverContext context(hooks());
     LoopClock& loops = *context.loops();
     EXPECT_FALSE(loops.running());
 

@@ -2,10 +2,16 @@
 
 #include <QAccessible>
 #include <QFile>
+#include <QFontMetricsF>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QQmlComponent>
+#include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickView>
+#include <QSignalSpy>
+#include <QTcpServer>
+#include <QTest>
 #include <gtest/gtest.h>
 
 namespace quelmo {
@@ -124,6 +130,44 @@ TEST(PopoverRender, KoreanLabelsInKorean) {
     EXPECT_FALSE(texts.contains("Language"));
 }
 
+// The process lists: one name column, so equal values draw equal bars whatever the names; figures
+// in digits of one width, so they do not jitter as they change; a name cut to the column tells
+// its whole self to the pointer and to assistive technologies.
+TEST(PopoverRender, ProcessListsAlignTheirBarsAndFigures) {
+    QJsonObject state = exampleState("en", "white", QJsonArray{"cpu"});
+    const QString longName = QStringLiteral("a-process-with-a-name-far-too-long-for-its-column");
+    state.insert("topCPU", QJsonArray{QJsonObject{{"pid", 11}, {"name", "sh"}, {"cpu", 50.0}},
+                                      QJsonObject{{"pid", 12}, {"name", longName}, {"cpu", 50.0}}});
+    PopoverPreview preview(PreviewState::fromJson(state));
+    ASSERT_TRUE(preview.root()) << preview.errors().toStdString();
+    preview.render();
+
+    QList<QQuickItem*> items;
+    collect(preview.root(), items);
+    QList<QQuickItem*> names;
+    QList<QQuickItem*> figures;
+    for (QQuickItem* item : items) {
+        if (item->objectName() == QLatin1String("processName") && item->isVisible())
+            names.append(item);
+        if (item->objectName() == QLatin1String("processFigure") && item->isVisible())
+            figures.append(item);
+    }
+    ASSERT_EQ(names.size(), 2);
+    EXPECT_EQ(names[0]->width(), 150);
+    EXPECT_EQ(names[1]->width(), 150);
+
+    QQuickItem* cut = names[0]->property("text") == longName ? names[0] : names[1];
+    EXPECT_TRUE(cut->property("truncated").toBool());
+    QAccessibleInterface* about = QAccessible::queryAccessibleInterface(cut);
+    ASSERT_TRUE(about);
+    EXPECT_EQ(about->text(QAccessible::Description), longName);
+
+    ASSERT_FALSE(figures.isEmpty());
+    const QFontMetricsF metrics(figures[0]->property("font").value<QFont>());
+    EXPECT_EQ(metrics.horizontalAdvance(QStringLiteral("1111")),
+              metrics.horizontalAdvance(QStringLiteral("0000")));
+}
+
 // Pixels of the logo within a few levels of `colour`.
 int logoPixelsOf(PopoverPreview& preview, QColor colour) {
     const QImage image = preview.render();
@@ -240,6 +284,67 @@ TEST(CleanupCardRender, MixedVerdictsHoverAndCriteria) {
     // The panel opens between the banner and the mascot.
     EXPECT_LT(topOf(criteria.root(), "aiBanner"), topOf(criteria.root(), "criteriaPanel"));
     EXPECT_LT(topOf(criteria.root(), "criteriaPanel"), topOf(criteria.root(), "catMascot"));
+}
+
+// Texts from outside the program (process names, window titles, chip names, the model's notes)
+// may look like markup: they are drawn as they are, fetch nothing and style nothing.
+TEST(CleanupCardRender, OutsideTextsAreDrawnAsPlainText) {
+    QTcpServer listener;
+    ASSERT_TRUE(listener.listen(QHostAddress::LocalHost));
+    int connections = 0;
+    QObject::connect(&listener, &QTcpServer::newConnection, [&] {
+        while (QTcpSocket* socket = listener.nextPendingConnection()) {
+            ++connections;
+            socket->close();
+        }
+    });
+    const QString markup = QStringLiteral("<img src=\"http://127.0.0.1:%1/x.png\"><b>Prints y</b> "
+                                          "forever")
+                               .arg(listener.serverPort());
+
+    QJsonObject state = cleanupState("cleanup-hovered");
+    QJsonObject verdicts = state.value("verdicts").toObject();
+    QJsonObject firefox = verdicts.value("Firefox ESR").toObject();
+    firefox.insert("explanation", markup);
+    verdicts.insert("Firefox ESR", firefox);
+    state.insert("verdicts", verdicts);
+    QJsonObject readings = state.value("readings").toObject();
+    readings.insert("chipName", markup);
+    state.insert("readings", readings);
+    state.insert("expanded", QJsonArray{"cleanup", "cpu"});
+    state.insert("topCPU", QJsonArray{QJsonObject{{"pid", 11}, {"name", markup}, {"cpu", 50.0}}});
+
+    PopoverPreview preview(PreviewState::fromJson(state));
+    ASSERT_TRUE(preview.root()) << preview.errors().toStdString();
+    preview.render();
+    QTest::qWait(300);
+    preview.render();
+    EXPECT_EQ(connections, 0);
+
+    QList<QQuickItem*> items;
+    collect(preview.root(), items);
+    int drawn = 0;
+    for (QQuickItem* item : items) {
+        if (!item->inherits("QQuickText"))
+            continue;
+        EXPECT_EQ(item->property("textFormat").toInt(), 0) // Text.PlainText
+            << item->property("text").toString().toStdString();
+        if (item->isVisible() && item->property("text").toString() == markup)
+            ++drawn;
+    }
+    // The explanation, the chip name and the process name, each as it came.
+    EXPECT_EQ(drawn, 3);
+
+    // Nor does anything else of the popover's engine reach beyond the machine's own files.
+    QQmlComponent image(preview.window().engine());
+    image.setData(QStringLiteral("import QtQuick\nImage { source: \"http://127.0.0.1:%1/y.png\" }")
+                      .arg(listener.serverPort())
+                      .toUtf8(),
+                  QUrl(QStringLiteral("qrc:/probe.qml")));
+    std::unique_ptr<QObject> probe(image.create());
+    ASSERT_TRUE(probe) << image.errorString().toStdString();
+    QTest::qWait(300);
+    EXPECT_EQ(connections, 0);
 }
 
 TEST(CleanupCardRender, KoreanCard) {

@@ -72,6 +72,25 @@ TEST(PopoverBars, KeepTheirMinimumWidths) {
     EXPECT_EQ(coreFillScale(nan), 0.02);
 }
 
+// The per-core strip of the popover's 288 points: every core at least 2 wide, in rows when needed.
+TEST(PopoverBars, CoreStripKeepsEveryCoreVisibleOnBigMachines) {
+    const double width = 288;
+    for (const int cores : {1, 8, 57, 58, 64, 96, 97, 128, 256, 1024}) {
+        const int columns = coreColumns(cores, width);
+        const double spacing = coreSpacing(cores, width);
+        const int rows = (cores + columns - 1) / columns;
+        EXPECT_GE((width - spacing * (columns - 1)) / columns, minCoreWidth) << cores;
+        EXPECT_LE(columns, cores) << cores;
+        // No row more than needed: the rows before the last are full.
+        EXPECT_GT(cores, (rows - 1) * columns) << cores;
+    }
+    EXPECT_EQ(coreSpacing(8, width), 3);
+    EXPECT_EQ(coreColumns(8, width), 8);
+    EXPECT_EQ(coreColumns(64, width), 64);
+    EXPECT_EQ(coreColumns(256, width), 96);
+    EXPECT_EQ(coreColumns(0, width), 1);
+}
+
 TEST(PopoverBars, ProcessListScalesToItsBusiestRow) {
     EXPECT_EQ(processMaxValue({}), 1);
     EXPECT_EQ(processMaxValue({0, 0}), 0.0001);

@@ -68,7 +68,7 @@ template <typename Row> QList<qint64> ids(const QList<Row>& rows) {
     return pids;
 }
 
-// CPU, GPU, memory, power, then (only while the popover polls) the process lists, then onUpdate.
+// CPU, GPU, memory, power, then (only while the popover polls) the process lists, then ticked().
 TEST(SystemMetricsTest, TicksPublishInOrderAndRatesWaitForASecondSample) {
     HubOnFakes fakes;
     fakes.cpu->script = {std::vector<CpuTicks>{{100, 50, 800, 50}},
@@ -89,16 +89,16 @@ TEST(SystemMetricsTest, TicksPublishInOrderAndRatesWaitForASecondSample) {
              {&SystemMetrics::aneLoadChanged, "power"},
              {&SystemMetrics::topCPUChanged, "top"}})
         QObject::connect(&m, signal, [&order, label = label] { order << label; });
-    m.onUpdate = [&] { order << "onUpdate"; };
+    QObject::connect(&m, &SystemMetrics::ticked, [&order] { order << "ticked"; });
 
     m.start();
-    EXPECT_EQ(order, QStringList({"gpu", "mem", "onUpdate"}));
+    EXPECT_EQ(order, QStringList({"gpu", "mem", "ticked"}));
 
     order.clear();
     fakes.now += 1;
     m.setPollProcesses(true);
     m.update();
-    EXPECT_EQ(order, QStringList({"cpu", "gpu", "mem", "power", "top", "onUpdate"}));
+    EXPECT_EQ(order, QStringList({"cpu", "gpu", "mem", "power", "top", "ticked"}));
     EXPECT_DOUBLE_EQ(m.totalWatts(), 5.5);
     EXPECT_DOUBLE_EQ(m.aneLoad(), 0.5);
     EXPECT_EQ(ids(m.topCPU()), QList<qint64>({2, 5, 1, 3, 4})); // ties keep the listed order
