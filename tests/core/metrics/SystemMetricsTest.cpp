@@ -82,7 +82,7 @@ TEST(SystemMetricsTest, TicksPublishInOrderAndRatesWaitForASecondSample) {
              {&SystemMetrics::memUsedChanged, "mem"},
              {&SystemMetrics::aneLoadChanged, "power"},
              {&SystemMetrics::topCPUChanged, "top"}})
-        QObject::connect(&m, signal, [&order, label = label] { order << label; });
+        QObject::connect(&m, signal, [&order, name = label] { order << name; });
     m.onUpdate = [&] { order << "onUpdate"; };
 
     m.start();
