@@ -3,7 +3,9 @@
 #   run     - what building and running the tray utility needs
 #   package - additionally what making its Debian package needs
 #   test    - additionally the test, benchmark, desktop-test and package-check tools
-# Only missing packages are installed; nothing is asked.
+# Only missing packages are installed; nothing is asked. Works on Debian 12 and 13: where the
+# releases name a package differently, the list gives the names as "new|old" and the first one
+# that is installed, or else that the system's package index offers, is used.
 set -euo pipefail
 
 build_pkgs=(
@@ -23,7 +25,7 @@ package_pkgs=(
 )
 test_pkgs=(
   googletest libgtest-dev libgmock-dev libbenchmark-dev clang-format
-  clang libfuzzer-14-dev
+  clang 'libclang-rt-dev|libclang-rt-14-dev' # the sanitizer and fuzzer runtimes clang only recommends
   xvfb xauth openbox xfce4-panel trayer dbus dbus-x11 at-spi2-core
   xdotool wmctrl x11-utils x11-apps imagemagick mousepad desktop-file-utils
   sway foot xwayland
@@ -37,15 +39,28 @@ pkgs=("${build_pkgs[@]}")
 [ "$mode" = package ] || [ "$mode" = test ] && pkgs+=("${package_pkgs[@]}")
 [ "$mode" = test ] && pkgs+=("${test_pkgs[@]}")
 
+installed() { [ "$(dpkg-query -W -f='${Status}' "$1" 2>/dev/null)" = "install ok installed" ]; }
+offered() { [[ $(apt-cache policy "$1" 2>/dev/null) =~ Candidate:\ [^\(] ]]; }
+
 missing=()
-for p in "${pkgs[@]}"; do
-  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
+for entry in "${pkgs[@]}"; do
+  IFS='|' read -r -a names <<<"$entry"
+  have=
+  for p in "${names[@]}"; do installed "$p" && have=1 && break; done
+  [ -n "$have" ] || missing+=("$entry")
 done
 [ ${#missing[@]} -eq 0 ] && exit 0
 
 sudo_cmd=()
 [ "$(id -u)" -ne 0 ] && sudo_cmd=(sudo -n)
-echo "Installing: ${missing[*]}"
 export DEBIAN_FRONTEND=noninteractive
 "${sudo_cmd[@]}" apt-get update -qq
-"${sudo_cmd[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+chosen=()
+for entry in "${missing[@]}"; do
+  IFS='|' read -r -a names <<<"$entry"
+  pick=${names[0]} # when no name is offered, apt says so about the first
+  for p in "${names[@]}"; do offered "$p" && pick=$p && break; done
+  chosen+=("$pick")
+done
+echo "Installing: ${chosen[*]}"
+"${sudo_cmd[@]}" apt-get install -y -qq --no-install-recommends "${chosen[@]}" >/dev/null

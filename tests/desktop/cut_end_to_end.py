@@ -25,6 +25,9 @@ OVERALL_SECONDS = 400
 PROBE = os.path.join(os.path.dirname(os.path.abspath(__file__)), "atspi_probe.py")
 # The Python that has pyatspi (Debian's python3-pyatspi), whatever python runs this script.
 SYSTEM_PYTHON = "/usr/bin/python3"
+# A push button's role name: "push button" in at-spi2-core 2.46 (Debian 12), "button" in 2.56
+# (Debian 13).
+PUSH_BUTTON_ROLES = ("push button", "button")
 
 OWN_HOG = "cuttest-hog"
 PROTECTED_HOG = "pulseaudio"   # a protected name: sound would go down with it
@@ -73,7 +76,7 @@ def cut_buttons(session, pid):
     # The Cut buttons on screen, as {row name: centre}.
     found = {}
     for node in accessible_tree(session, pid):
-        if node["role"] == "push button" and node["name"] == "Cut" and node["extents"]:
+        if node["role"] in PUSH_BUTTON_ROLES and node["name"] == "Cut" and node["extents"]:
             x, y, w, h = node["extents"]
             found[node["description"].split(" — ")[0]] = (x + w // 2, y + h // 2)
     return found
@@ -81,7 +84,7 @@ def cut_buttons(session, pid):
 
 def header_button(session, pid):
     for node in accessible_tree(session, pid):
-        if node["role"] == "push button" and node["name"].startswith("Cut pick") \
+        if node["role"] in PUSH_BUTTON_ROLES and node["name"].startswith("Cut pick") \
                 and node["extents"]:
             x, y, w, h = node["extents"]
             return x + w // 2, y + h // 2

@@ -88,7 +88,7 @@ TEST(SystemMetricsTest, TicksPublishInOrderAndRatesWaitForASecondSample) {
              {&SystemMetrics::memUsedChanged, "mem"},
              {&SystemMetrics::aneLoadChanged, "power"},
              {&SystemMetrics::topCPUChanged, "top"}})
-        QObject::connect(&m, signal, [&order, label = label] { order << label; });
+        QObject::connect(&m, signal, [&order, name = label] { order << name; });
     QObject::connect(&m, &SystemMetrics::ticked, [&order] { order << "ticked"; });
 
     m.start();

@@ -2,8 +2,9 @@
 # A private, headless sway session (the wlroots headless backend, the pixman renderer, XWayland
 # on) for tests that need a real Wayland compositor. sway refuses to run as root, so as root the
 # session and the command run as an unprivileged user made for the purpose ("quelmo-wayland",
-# created on first use); any other user runs them as itself. Everything lives in a temporary
-# runtime folder, and every process started here is ended when the session stops.
+# created on first use), with a copy of the program when that user cannot reach it (a checkout
+# under /root); any other user runs them as itself. Everything lives in a temporary runtime
+# folder, and every process started here is ended when the session stops.
 #
 #     sway_session.py [--bar top|bottom] -- COMMAND [ARG...]
 #
@@ -49,6 +50,41 @@ def session_user():
             raise Unavailable(f"cannot create the user {USER}: {made.stderr.decode().strip()}")
         entry = pwd.getpwnam(USER)
     return entry.pw_uid, entry.pw_gid
+
+
+def within_reach(command, env, root, uid, gid):
+    # As root, the session's user may not reach the program or a sanitizer's suppressions file
+    # (a checkout under a private home such as /root): those are copied into the session's folder.
+    if os.geteuid() != 0:
+        return command
+
+    def reachable(path, mode):
+        return subprocess.run(["test", mode, path], user=uid, group=gid, extra_groups=[]).returncode == 0
+
+    def copied(path, mode):
+        target = os.path.join(root, "bin", os.path.basename(path))
+        os.makedirs(os.path.dirname(target), exist_ok=True)
+        shutil.copy(path, target)
+        os.chmod(target, mode)
+        for folder in (os.path.dirname(target), target):
+            os.chown(folder, uid, gid)
+        return target
+
+    program = shutil.which(command[0])
+    if program is None:
+        raise Unavailable(f"{command[0]} is not there to run")
+    if not reachable(program, "-x"):
+        command = [copied(program, 0o700), *command[1:]]
+    for name, value in env.items():
+        if name.endswith("SAN_OPTIONS"):
+            options = []
+            for option in value.split(":"):
+                key, _, path = option.partition("=")
+                if key == "suppressions" and os.path.isfile(path) and not reachable(path, "-r"):
+                    option = f"suppressions={copied(path, 0o600)}"
+                options.append(option)
+            env[name] = ":".join(options)
+    return command
 
 
 def wait_for(predicate, timeout, what, process):
@@ -104,7 +140,11 @@ def run(command, bar=None):
                                     if not p.endswith(".lock")], 10, "its Wayland socket", sway)[0]
         env.update(WAYLAND_DISPLAY=wayland, SWAYSOCK=socket, DISPLAY=display,
                    XDG_SESSION_TYPE="wayland", XDG_CURRENT_DESKTOP="sway")
-        status = subprocess.Popen(command, env=env, cwd=root, **as_user).wait()
+        command = within_reach(command, env, root, uid, gid)
+        try:
+            status = subprocess.Popen(command, env=env, cwd=root, **as_user).wait()
+        except OSError as error:
+            raise Unavailable(f"cannot run {command[0]}: {error}")
         if status != 0:
             log.flush()
             with open(os.path.join(root, "sway.log"), "rb") as f:
