@@ -1,6 +1,6 @@
 #include "app/tray/DBusMenuExporter.h"
 
-#include "app/tray/CachedIntrospection.h"
+#include "app/tray/CachedInterfaceXml.h"
 #include "app/tray/DBusMenuAdaptor.h"
 
 #include <QDBusConnection>
@@ -26,7 +26,7 @@ QVariantMap filtered(QVariantMap all, const QStringList& names) {
 DBusMenuExporter::DBusMenuExporter(QObject* parent) : QObject(parent) {
     registerDBusTypes();
     new DBusMenuAdaptor(this);
-    new CachedIntrospection(this);
+    new CachedInterfaceXml(this);
     itemProperties_.append(allProperties(0));
     layout_ = item(0, -1, {});
 }

@@ -1,6 +1,6 @@
 #include "app/tray/StatusNotifierItem.h"
 
-#include "app/tray/CachedIntrospection.h"
+#include "app/tray/CachedInterfaceXml.h"
 #include "app/tray/ScissorsIcon.h"
 #include "app/tray/StatusNotifierItemAdaptor.h"
 #include "app/tray/StatusTitle.h"
@@ -35,7 +35,7 @@ StatusNotifierItem::StatusNotifierItem(QDBusConnection bus, QObject* parent)
         if (menuOpeningActivates_ && activationGate_.admit())
             emit menuOpenedAsClick();
     });
-    new CachedIntrospection(this);
+    new CachedInterfaceXml(this);
     properties_ = new CachedProperties(this, this, QStringLiteral("org.kde.StatusNotifierItem"));
 }
 

@@ -1,4 +1,4 @@
-#include "app/tray/CachedIntrospection.h"
+#include "app/tray/CachedInterfaceXml.h"
 
 #include <QMetaClassInfo>
 
@@ -43,9 +43,9 @@ constexpr const char* standardInterfaces = R"(  <interface name="org.freedesktop
 
 } // namespace
 
-CachedIntrospection::CachedIntrospection(QObject* parent) : QDBusAbstractAdaptor(parent) {}
+CachedInterfaceXml::CachedInterfaceXml(QObject* parent) : QDBusAbstractAdaptor(parent) {}
 
-QString CachedIntrospection::Introspect() {
+QString CachedInterfaceXml::Introspect() {
     if (xml_.isEmpty()) {
         // Made on the first call, once every adaptor of the parent exists.
         xml_ = QStringLiteral("<!DOCTYPE node PUBLIC \"-//freedesktop//DTD D-BUS Object "
