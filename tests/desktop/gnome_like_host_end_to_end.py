@@ -14,7 +14,7 @@ import sys
 import time
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from desktop_session import WATCHER, DesktopSession, wait_until  # noqa: E402
+from desktop_session import WATCHER, DesktopSession, SessionError, wait_until  # noqa: E402
 from tray_end_to_end import click, expect, popover, running, wait_popover  # noqa: E402
 
 
@@ -34,7 +34,8 @@ def main():
     with DesktopSession() as session:
         bus = {"DBUS_SESSION_BUS_ADDRESS": session.new_bus()}
         with running(session, [args.host], bus), \
-                running(session, [os.path.abspath(args.binary)], bus) as proc:
+                running(session, [os.path.abspath(args.binary)],
+                        {**bus, "QT_LOGGING_RULES": "quelmo.popover.debug=true"}) as proc:
             x, y = wait_until(lambda: host_icon(session), 30, "the item on the stand-in's panel")
             # (The program learns what kind of host it faces right after registering.)
             time.sleep(1)
@@ -56,11 +57,18 @@ def main():
                    f"the item's description: {described.stderr or described.stdout[:300]}")
             click(session, x, y)
             wait_popover(session, True)
-            # Another click closes it (the press takes the focus away) and the shell's late
-            # report of that click does not open it again.
+            # Another click closes it (the press takes the focus away, or the shell reports it)
+            # and the shell's late report of that click does not open it again. While the host's
+            # own menu still holds its grab, as the shell's does, that click only closes the
+            # menu: a second one then closes the popover.
             time.sleep(1)
             click(session, x, y)
-            wait_popover(session, False)
+            try:
+                wait_until(lambda: not popover(session), 3, "the popover to close")
+            except SessionError:
+                time.sleep(1)
+                click(session, x, y)
+                wait_popover(session, False)
             time.sleep(1.5)
             expect(not popover(session), "the popover opened again after the closing click")
             expect(proc.poll() is None, "the program ended")
