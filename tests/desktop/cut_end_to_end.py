@@ -82,6 +82,18 @@ def cut_buttons(session, pid):
     return found
 
 
+def settled_rows(session, pid, name, what):
+    # The Cut buttons once the one for `name` sits still: a row that has just left (a cut, a
+    # refresh) slides the rows below it up, and a click read before that lands beside them.
+    seen = [None]
+
+    def settled():
+        found = cut_buttons(session, pid)
+        seen.append(found.get(name))
+        return found if name in found and seen[-2] == found[name] else None
+    return wait_until(settled, 60, what, interval=0.3)
+
+
 def header_button(session, pid):
     for node in accessible_tree(session, pid):
         if node["role"] in PUSH_BUTTON_ROLES and node["name"].startswith("Cut pick") \
@@ -127,8 +139,7 @@ def check_real_cut(session, binary):
                                     "the cleanup card's header")
                 click(session, hx, hy)
 
-                rows = wait_until(lambda: OWN_HOG in (b := cut_buttons(session, quelmo.pid))
-                                  and b, 60, f"a row for {OWN_HOG}")
+                rows = settled_rows(session, quelmo.pid, OWN_HOG, f"a row for {OWN_HOG}")
                 expect(PROTECTED_HOG not in rows and FOREIGN_HOG not in rows,
                        f"protected or foreign processes offered: {sorted(rows)}")
                 click(session, *rows[OWN_HOG])
@@ -137,8 +148,7 @@ def check_real_cut(session, binary):
                 wait_until(lambda: OWN_HOG not in cut_buttons(session, quelmo.pid), 10,
                            f"the {OWN_HOG} row to leave")
 
-                rows = wait_until(lambda: "Mousepad" in (b := cut_buttons(session, quelmo.pid))
-                                  and b, 60, "a row for Mousepad")
+                rows = settled_rows(session, quelmo.pid, "Mousepad", "a row for Mousepad")
                 expect(PROTECTED_HOG not in rows and FOREIGN_HOG not in rows,
                        f"protected or foreign processes offered: {sorted(rows)}")
                 click(session, *rows["Mousepad"])
