@@ -1,5 +1,8 @@
 #include "app/popover/LocalResourcesOnly.h"
 
+#include <QLatin1String>
+#include <QString>
+
 namespace quelmo {
 
 QUrl LocalResourcesOnly::intercept(const QUrl& url, DataType) {
