@@ -53,8 +53,9 @@ def session_user():
 
 
 def within_reach(command, env, root, uid, gid):
-    # As root, the session's user may not reach the program or a sanitizer's suppressions file
-    # (a checkout under a private home such as /root): those are copied into the session's folder.
+    # As root, the session's user may not reach the program, the files it names or a sanitizer's
+    # suppressions file (a checkout under a private home such as /root): those are copied into
+    # the session's folder.
     if os.geteuid() != 0:
         return command
 
@@ -75,6 +76,10 @@ def within_reach(command, env, root, uid, gid):
         raise Unavailable(f"{command[0]} is not there to run")
     if not reachable(program, "-x"):
         command = [copied(program, 0o700), *command[1:]]
+    # So are the files the command names (a script, and the program it drives).
+    command = [command[0]] + [
+        copied(arg, 0o700) if os.path.isabs(arg) and os.path.isfile(arg) and
+        not reachable(arg, "-r") else arg for arg in command[1:]]
     for name, value in env.items():
         if name.endswith("SAN_OPTIONS"):
             options = []
