@@ -9,16 +9,13 @@
 import os
 import re
 import shutil
-import signal
-import subprocess
 import sys
 import time
-import traceback
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 from desktop_session import DesktopSession, SessionError, wait_until  # noqa: E402
-from tray_end_to_end import (BURST_SECONDS, CheckFailed, click, expect, registered, running,  # noqa: E402
-                             settled_item, sni, xembed_icon)
+from tray_end_to_end import (BURST_SECONDS, CheckFailed, click, expect,  # noqa: E402
+                             registered, run_checks, running, settled_item, sni, xembed_icon)
 
 OVERALL_SECONDS = 420
 POPOVER_WIDTH = 320  # logical pixels
@@ -151,40 +148,7 @@ SHARED = [check_widget_relative_click_points, check_popover_under_the_item_at_an
 
 
 def main():
-    if sys.argv[1:2] != ["--binary"] or len(sys.argv) < 3:
-        sys.exit(f"usage: {sys.argv[0]} --binary PROGRAM [CHECK...]")
-    binary, only = os.path.abspath(sys.argv[2]), sys.argv[3:]
-
-    def give_up(*_):
-        raise SystemExit(f"gave up after {OVERALL_SECONDS} s")
-
-    signal.signal(signal.SIGALRM, give_up)
-    signal.signal(signal.SIGTERM, give_up)
-    signal.alarm(OVERALL_SECONDS)
-    wanted = [c for c in SEPARATE + SHARED if not only or c.__name__[6:] in only]
-    failed = []
-
-    def attempt(check, session=None):
-        started, failures = time.monotonic(), len(failed)
-        try:
-            check(binary) if session is None else check(session, binary)
-        except (CheckFailed, SessionError, subprocess.TimeoutExpired) as error:
-            tail = session.log_tail() if session else ""
-            failed.append(f"{check.__name__}: {error}\n{tail}")
-        except Exception:  # a broken check must not hide the others
-            failed.append(f"{check.__name__}: {traceback.format_exc()}")
-        print(f"{'FAIL' if len(failed) > failures else 'ok  '} {check.__name__[6:]} "
-              f"({time.monotonic() - started:.1f} s)", flush=True)
-
-    for check in (c for c in wanted if c in SEPARATE):
-        attempt(check)
-    if shared := [c for c in wanted if c in SHARED]:
-        with DesktopSession() as session:
-            for check in shared:
-                attempt(check, session)
-    print("\n\n".join(failed), file=sys.stderr)
-    print(f"{len(wanted) - len(failed)} of {len(wanted)} checks passed")
-    return 1 if failed or not wanted else 0
+    return run_checks(SEPARATE, SHARED, OVERALL_SECONDS)
 
 
 if __name__ == "__main__":
