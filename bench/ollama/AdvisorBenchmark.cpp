@@ -30,9 +30,10 @@ const AIQueueEntry entry{"Preview", 0.3, 180.6, "Unused app", 125.5, false};
 void BM_BuildRequest(benchmark::State& state) {
     for (auto _ : state) {
         ModelRequest request;
-        request.instructions = advisorInstructions(false);
-        request.prompt = GenVerdict::promptWithSchema(buildPrompt(
-            entry.name, entry.cpu, entry.rssMB, entry.reason, entry.idle, entry.hasWindow, false));
+        request.instructions = advisorInstructions(Language::english);
+        request.prompt = GenVerdict::promptWithSchema(
+            buildPrompt(entry.name, entry.cpu, entry.rssMB, entry.reason, entry.idle,
+                        entry.hasWindow, Language::english));
         request.format = GenVerdict::schemaText();
         benchmark::DoNotOptimize(OllamaModel::chatRequestBody("qwen2.5:0.5b", request));
     }
@@ -93,7 +94,7 @@ void BM_EvaluateRoundTrip(benchmark::State& state) {
     std::int64_t verdicts = 0;
     for (auto _ : state) {
         bool done = false;
-        advisor.evaluate(entry, false, [&](std::optional<AIVerdict> verdict) {
+        advisor.evaluate(entry, Language::english, [&](std::optional<AIVerdict> verdict) {
             verdicts += verdict ? 1 : 0;
             done = true;
         });

@@ -12,7 +12,7 @@ bool CandidateListModel::Row::operator==(const Row& other) const {
     return a.proc.id == b.proc.id && a.proc.startTime == b.proc.startTime &&
            a.proc.name == b.proc.name && a.proc.rss == b.proc.rss && a.reason == b.reason &&
            a.idleMinutes == b.idleMinutes && a.hasWindow == b.hasWindow &&
-           a.displayName == b.displayName && verdict == other.verdict && korean == other.korean;
+           a.displayName == b.displayName && verdict == other.verdict && language == other.language;
 }
 
 CandidateListModel::CandidateListModel(QObject* parent) : QAbstractListModel(parent) {}
@@ -25,7 +25,7 @@ qsizetype CandidateListModel::indexOf(qint64 pid, qsizetype from) const {
 }
 
 void CandidateListModel::update(const QList<CleanupCandidate>& candidates,
-                                const rules::Verdicts& verdicts, bool korean) {
+                                const rules::Verdicts& verdicts, Language language) {
     const int oldCount = count();
     const int oldTargets = cutTargetCount();
 
@@ -42,7 +42,7 @@ void CandidateListModel::update(const QList<CleanupCandidate>& candidates,
 
     for (qsizetype i = 0; i < candidates.size(); ++i) {
         const CleanupCandidate& c = candidates[i];
-        Row fresh{c, rules::verdictOf(c, verdicts), korean};
+        Row fresh{c, rules::verdictOf(c, verdicts), language};
         const qsizetype at = indexOf(c.id(), i);
         const int row = static_cast<int>(i);
         if (at < 0) {
@@ -89,15 +89,15 @@ QVariant CandidateListModel::data(const QModelIndex& index, int role) const {
     case ReasonRole:
         return rawValue(c.reason);
     case ReasonLabelRole:
-        return label(c.reason, row.korean);
+        return label(c.reason, row.language);
     case ReasonSymbolRole:
-        return rules::reasonSymbol(c.reason);
+        return QString::fromLatin1(infoOf(c.reason).symbol);
     case ReasonColorRole:
-        return rules::reasonColor(c.reason);
+        return QString::fromLatin1(infoOf(c.reason).colour);
     case RssRole:
         return c.proc.rss;
     case IdleDetailRole:
-        return rules::idleDetail(c, row.korean);
+        return rules::idleDetail(c, row.language);
     case HasWindowRole:
         return c.hasWindow;
     case HasVerdictRole:
@@ -107,7 +107,7 @@ QVariant CandidateListModel::data(const QModelIndex& index, int role) const {
     case StatusColorRole:
         return rules::statusColor(row.verdict);
     case RiskLabelRole:
-        return row.verdict ? rules::riskLabel(row.verdict->risk, row.korean) : QString();
+        return row.verdict ? rules::riskLabel(row.verdict->risk, row.language) : QString();
     case RiskColorRole:
         return row.verdict ? rules::riskColor(row.verdict->risk) : QString();
     case ExplanationRole:

@@ -42,7 +42,7 @@ public:
     explicit CandidateListModel(QObject* parent = nullptr);
 
     void update(const QList<CleanupCandidate>& candidates, const cleanup_rules::Verdicts& verdicts,
-                bool korean);
+                Language language);
 
     int rowCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role) const override;
@@ -63,7 +63,7 @@ private:
     struct Row {
         CleanupCandidate candidate;
         std::optional<AIVerdict> verdict;
-        bool korean = false;
+        Language language = Language::english;
         bool operator==(const Row&) const;
     };
     qsizetype indexOf(qint64 pid, qsizetype from) const;

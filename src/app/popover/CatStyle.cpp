@@ -1,5 +1,7 @@
 #include "app/popover/CatStyle.h"
 
+#include "core/texts/Texts.h"
+
 namespace quelmo {
 
 namespace {
@@ -36,17 +38,16 @@ QString CatStyle::rawValue() const {
     return {};
 }
 
-QString CatStyle::label(const QString& lang) const {
-    const bool ko = lang == QLatin1String("ko");
+QString CatStyle::label(Language language) const {
     switch (value_) {
     case white:
-        return ko ? QStringLiteral("흰둥이") : QStringLiteral("White");
+        return text(TextKey::catWhite, language);
     case gray:
-        return ko ? QStringLiteral("회색이") : QStringLiteral("Grey");
+        return text(TextKey::catGray, language);
     case cheese:
-        return ko ? QStringLiteral("치즈") : QStringLiteral("Cheese");
+        return text(TextKey::catCheese, language);
     case black:
-        return ko ? QStringLiteral("까망이") : QStringLiteral("Black");
+        return text(TextKey::catBlack, language);
     }
     return {};
 }

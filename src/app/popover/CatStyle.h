@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/texts/Language.h"
+
 #include <QColor>
 #include <QList>
 #include <QString>
@@ -24,7 +26,7 @@ public:
     constexpr Value value() const { return value_; }
     QString rawValue() const;
     // "흰둥이"/"White", "회색이"/"Grey", "치즈"/"Cheese", "까망이"/"Black".
-    QString label(const QString& lang) const;
+    QString label(Language language) const;
     QColor fur() const;
     QColor eyeColor() const;
     QColor innerEar() const;

@@ -1,17 +1,8 @@
 #include "app/popover/CleanupFeed.h"
 
 #include "core/metrics/SystemMetrics.h"
-#include "core/settings/AppLang.h"
 
 namespace quelmo {
-
-namespace {
-
-bool effectiveIsKorean() {
-    return AppLang::effective() == QLatin1String("ko");
-}
-
-} // namespace
 
 CutSequence::Identify CleanupFeed::rowIdentity() const {
     return [this](qint64 pid) {
@@ -22,7 +13,7 @@ CutSequence::Identify CleanupFeed::rowIdentity() const {
 
 CleanupFeed::CleanupFeed(CutSequence::Terminate terminate, QObject* parent)
     : QObject(parent), candidates_(this), cut_(std::move(terminate), rowIdentity(), {}, this),
-      korean_(effectiveIsKorean()) {}
+      language_(currentLanguage()) {}
 
 CleanupFeed::CleanupFeed(SystemMetrics& hub, QObject* parent)
     : QObject(parent), hub_(&hub), candidates_(this),
@@ -31,7 +22,7 @@ CleanupFeed::CleanupFeed(SystemMetrics& hub, QObject* parent)
               hub ? void(hub->terminate(targets)) : void();
           },
           rowIdentity(), {}, this),
-      captured_(hub.aiStatus()), sensitivity_(hub.sensitivity()), korean_(effectiveIsKorean()) {
+      captured_(hub.aiStatus()), sensitivity_(hub.sensitivity()), language_(currentLanguage()) {
     connect(&hub, &SystemMetrics::cleanupCandidatesChanged, this, &CleanupFeed::pullFromHub);
     connect(&hub, &SystemMetrics::aiVerdictsChanged, this, &CleanupFeed::pullFromHub);
     connect(&hub, &SystemMetrics::sensitivityChanged, this, [this] {
@@ -55,7 +46,7 @@ void CleanupFeed::pullFromHub() {
 }
 
 QString CleanupFeed::footerText() const {
-    return cleanup_rules::footerText(live_, captured_, korean_);
+    return cleanup_rules::footerText(live_, captured_, language_);
 }
 
 void CleanupFeed::setSensitivity(double value) {
@@ -67,25 +58,16 @@ void CleanupFeed::setSensitivity(double value) {
     emit sensitivityChanged();
 }
 
-QVariantMap CleanupFeed::texts() const {
-    return cleanup_rules::texts(korean_);
-}
-
-QVariantList CleanupFeed::criteriaItems() const {
-    return cleanup_rules::criteriaItems(korean_);
-}
-
 void CleanupFeed::setCandidates(const QList<CleanupCandidate>& candidates,
                                 const cleanup_rules::Verdicts& verdicts) {
     lastCandidates_ = candidates;
     lastVerdicts_ = verdicts;
-    const bool korean = effectiveIsKorean();
-    if (korean != korean_) {
-        korean_ = korean;
-        emit languageChanged();
-        emit advisorChanged();
+    const Language language = currentLanguage();
+    if (language != language_) {
+        language_ = language;
+        emit advisorChanged(); // the footer's words
     }
-    candidates_.update(candidates, verdicts, korean_);
+    candidates_.update(candidates, verdicts, language_);
 }
 
 void CleanupFeed::setAdvisorStatus(const AIAdvisor::Status& live,

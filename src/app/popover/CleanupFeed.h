@@ -6,7 +6,6 @@
 
 #include <QObject>
 #include <QPointer>
-#include <QVariantMap>
 #include <QtQml/qqmlregistration.h>
 
 namespace quelmo {
@@ -14,8 +13,8 @@ namespace quelmo {
 class SystemMetrics;
 
 // Everything the cleanup card shows, in the shape its views bind to: the candidate rows, the
-// advisor's status, the sensitivity, the card's fixed texts in the current language, and the cut
-// sequence. Fed from the hub in the program, or from a state file by the preview.
+// advisor's status, the sensitivity and the cut sequence; the rows' and the footer's texts in the
+// current language. Fed from the hub in the program, or from a state file by the preview.
 class CleanupFeed : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -25,9 +24,6 @@ class CleanupFeed : public QObject {
     Q_PROPERTY(bool advisorAvailable READ advisorAvailable NOTIFY advisorChanged)
     Q_PROPERTY(QString footerText READ footerText NOTIFY advisorChanged)
     Q_PROPERTY(double sensitivity READ sensitivity WRITE setSensitivity NOTIFY sensitivityChanged)
-    Q_PROPERTY(QVariantMap texts READ texts NOTIFY languageChanged)
-    Q_PROPERTY(QVariantList criteriaItems READ criteriaItems NOTIFY languageChanged)
-    Q_PROPERTY(bool korean READ korean NOTIFY languageChanged)
 
 public:
     // Without a hub: the preview sets everything itself; cuts go to `terminate`.
@@ -42,9 +38,7 @@ public:
     QString footerText() const;
     double sensitivity() const { return sensitivity_; }
     void setSensitivity(double value);
-    QVariantMap texts() const;
-    QVariantList criteriaItems() const;
-    bool korean() const { return korean_; }
+    Language language() const { return language_; }
 
     // The preview's (and the hub connection's) inputs.
     void setCandidates(const QList<CleanupCandidate>& candidates,
@@ -57,7 +51,6 @@ public:
 signals:
     void advisorChanged();
     void sensitivityChanged();
-    void languageChanged();
 
 private:
     void pullFromHub();
@@ -72,7 +65,7 @@ private:
     AIAdvisor::Status live_;
     AIAdvisor::Status captured_;
     double sensitivity_ = 0.5;
-    bool korean_ = false;
+    Language language_ = Language::english;
 };
 
 } // namespace quelmo

@@ -3,17 +3,17 @@
 #include "core/advisor/AIAdvisor.h"
 #include "core/advisor/AIVerdict.h"
 #include "core/cleanup/CleanupCandidate.h"
+#include "core/texts/Language.h"
 
 #include <QHash>
 #include <QList>
 #include <QString>
-#include <QVariantMap>
+#include <QVariantList>
 #include <optional>
 
 // The cleanup card's rules: which candidates a bulk cut takes, the colours and words of a row,
 // the idle line, the footer, and how far the mascot travels for a cut. Pure functions of their
-// arguments; the language is passed in as `korean` so that callers choose it when they produce
-// the text.
+// arguments; callers choose the language when they produce the text.
 namespace quelmo::cleanup_rules {
 
 using Verdicts = QHash<QString, AIVerdict>;
@@ -29,20 +29,19 @@ QList<CleanupCandidate> cutTargets(const QList<CleanupCandidate>& candidates,
 inline constexpr qsizetype cutAllMinimum = 2;
 
 // Colour names ("gray", "sage", "rose", "peach", "lav", "blue", "pink"), as the views
-// look them up.
+// look them up. A reason's colour and symbol are in its `infoOf`.
 QString statusColor(const std::optional<AIVerdict>& verdict);
 QString riskColor(const QString& risk);
-QString riskLabel(const QString& risk, bool korean);
-QString reasonColor(CleanupReason reason);
-QString reasonSymbol(CleanupReason reason);
+QString riskLabel(const QString& risk, Language language);
 
 // How long ago, from whole minutes: "5m ago", "2h ago", "2h 5m ago" (or the Korean forms).
-QString idleText(double minutes, bool korean);
+QString idleText(double minutes, Language language);
 // The row's idle line: when it was last used, whether it has a window; possibly empty.
-QString idleDetail(const CleanupCandidate& c, bool korean);
+QString idleDetail(const CleanupCandidate& c, Language language);
 
 // The footer's status line, from the advisor's status now and the one captured at start.
-QString footerText(const AIAdvisor::Status& live, const AIAdvisor::Status& captured, bool korean);
+QString footerText(const AIAdvisor::Status& live, const AIAdvisor::Status& captured,
+                   Language language);
 
 // The mascot's journey for a cut. `rowYs` holds the vertical mid-points of the rows (by pid) and
 // of the mascot lane (under `laneKey`), in the card's coordinates.
@@ -62,9 +61,7 @@ struct SpringParameters {
 };
 SpringParameters springFor(double response, double dampingFraction);
 
-// Every fixed text of the card, by name, in one language; criteria items included.
-QVariantMap texts(bool korean);
 // The selection criteria explained: items {symbol, color, title, detail, groupEnd}.
-QVariantList criteriaItems(bool korean);
+QVariantList criteriaItems(Language language);
 
 } // namespace quelmo::cleanup_rules

@@ -55,6 +55,11 @@ QStringList PopoverContext::langChoices() {
     return raws;
 }
 
+int PopoverContext::langChoiceIndex() const {
+    const AppLang choice = AppLang::fromRaw(langRaw_).value_or(AppLang::automatic);
+    return static_cast<int>(langChoices().indexOf(choice.rawValue()));
+}
+
 void PopoverContext::setCatStyleRaw(const QString& raw) {
     if (raw == catStyleRaw_)
         return;

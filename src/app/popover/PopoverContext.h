@@ -29,7 +29,7 @@ class PopoverContext : public QObject {
     // "ko" or "en": the language every text is drawn in.
     Q_PROPERTY(QString lang READ lang NOTIFY langRawChanged)
     Q_PROPERTY(QStringList langChoices READ langChoices CONSTANT)
-    // Where the stored choice stands among `langChoices`.
+    // Where the stored choice stands among `langChoices` (an unknown one follows the system).
     Q_PROPERTY(int langChoiceIndex READ langChoiceIndex NOTIFY langRawChanged)
     Q_PROPERTY(QString catStyleRaw READ catStyleRaw WRITE setCatStyleRaw NOTIFY catStyleRawChanged)
     Q_PROPERTY(
@@ -62,7 +62,7 @@ public:
     void setLangRaw(const QString& raw);
     QString lang() const;
     static QStringList langChoices();
-    int langChoiceIndex() const { return static_cast<int>(langChoices().indexOf(langRaw_)); }
+    int langChoiceIndex() const;
 
     QString catStyleRaw() const { return catStyleRaw_; }
     void setCatStyleRaw(const QString& raw);

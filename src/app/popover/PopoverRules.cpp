@@ -1,5 +1,7 @@
 #include "app/popover/PopoverRules.h"
 
+#include "core/texts/Percent.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -13,10 +15,7 @@ constexpr double mib = 1048576.0;
 } // namespace
 
 QString pct(double fraction) {
-    const double percent = std::round(fraction * 100);
-    if (!std::isfinite(percent))
-        return QStringLiteral("0%");
-    return QString::number(static_cast<long long>(percent)) + QLatin1Char('%');
+    return fractionText(fraction);
 }
 
 QString mem(double bytes) {

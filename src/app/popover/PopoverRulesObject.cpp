@@ -2,8 +2,8 @@
 
 #include "app/popover/CatStyle.h"
 #include "app/popover/PopoverRules.h"
-#include "app/popover/PopoverTexts.h"
 #include "app/popover/SymbolImageProvider.h"
+#include "core/texts/Percent.h"
 
 #include <QPainterPath>
 
@@ -59,7 +59,7 @@ double PopoverRulesObject::processFillWidth(double trackWidth, double value, dou
 
 QString PopoverRulesObject::processValueText(const QString& kind, double cpu, double rss) {
     if (kind == QLatin1String("cpu"))
-        return QString::asprintf("%.0f%%", cpu);
+        return percentText(cpu);
     return PopoverRules::mem(rss);
 }
 
@@ -121,23 +121,11 @@ QStringList PopoverRulesObject::toggled(const QStringList& expanded, const QStri
     return PopoverRules::toggled(expanded, section);
 }
 
-QString PopoverRulesObject::text(const QString& key, const QString& lang) {
-    return PopoverTexts::text(key, lang);
-}
-
-QString PopoverRulesObject::languageChoiceLabel(const QString& raw, const QString& lang) {
-    return PopoverTexts::languageChoiceLabel(raw, lang);
-}
-
 QStringList PopoverRulesObject::catStyles() {
     QStringList raws;
     for (const CatStyle style : CatStyle::allCases())
         raws.append(style.rawValue());
     return raws;
-}
-
-QString PopoverRulesObject::catLabel(const QString& raw, const QString& lang) {
-    return CatStyle::forStored(raw).label(lang);
 }
 
 QColor PopoverRulesObject::catFur(const QString& raw) {

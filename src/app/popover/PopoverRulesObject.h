@@ -9,7 +9,7 @@
 namespace quelmo {
 
 // The popover's rules as the QML singleton `Rules`: formats, sizes, shares, the cat styles'
-// colours, the bilingual texts and the symbols' image sources. Stateless; every function only
+// colours and the symbols' image sources. Stateless; every function only
 // forwards to the tested rules.
 class PopoverRulesObject : public QObject {
     Q_OBJECT
@@ -47,11 +47,7 @@ public:
 
     Q_INVOKABLE static QStringList toggled(const QStringList& expanded, const QString& section);
 
-    Q_INVOKABLE static QString text(const QString& key, const QString& lang);
-    Q_INVOKABLE static QString languageChoiceLabel(const QString& raw, const QString& lang);
-
     Q_INVOKABLE static QStringList catStyles();
-    Q_INVOKABLE static QString catLabel(const QString& raw, const QString& lang);
     Q_INVOKABLE static QColor catFur(const QString& raw);
     Q_INVOKABLE static QColor catEyes(const QString& raw);
     Q_INVOKABLE static QColor catOutline(const QString& raw);

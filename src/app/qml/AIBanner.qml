@@ -8,8 +8,6 @@ AbstractButton {
     id: banner
 
     required property CleanupFeed feed
-    // The card's fixed texts in the current language, by key.
-    readonly property var texts: feed.texts
     property bool showCriteria: false
 
     objectName: "aiBanner"
@@ -20,10 +18,10 @@ AbstractButton {
     bottomPadding: 5
     hoverEnabled: true
     focusPolicy: Qt.StrongFocus
-    text: feed.advisorAvailable ? banner.texts.judgedByAI : banner.texts.aiNotesOff
+    text: feed.advisorAvailable ? Texts.judgedByAI : Texts.aiNotesOff
     Accessible.role: Accessible.Button
     Accessible.name: text
-    Accessible.description: banner.texts.seeHowItDecides
+    Accessible.description: Texts.seeHowItDecides
     Accessible.checkable: true
     Accessible.checked: showCriteria
     Keys.onReturnPressed: clicked()
@@ -31,7 +29,7 @@ AbstractButton {
 
     TextTip {
         visible: banner.hovered || banner.visualFocus
-        text: banner.texts.seeHowItDecides
+        text: Texts.seeHowItDecides
     }
 
     contentItem: Item {
@@ -72,7 +70,7 @@ AbstractButton {
                 anchors.verticalCenter: parent.verticalCenter
             }
             UiText {
-                text: banner.texts.onDevice
+                text: Texts.onDevice
                 secondary: true
                 font.pixelSize: 8
                 font.weight: Font.Medium

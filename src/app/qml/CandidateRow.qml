@@ -26,7 +26,6 @@ Item {
     // From the card.
     property bool hovered: false
     property bool advisorAvailable: false
-    property var texts: ({})
     // 0 while listed, running to 1 as the row leaves (shrinks from the top, fades, drops).
     property real leaving: 0
 
@@ -88,7 +87,7 @@ Item {
                 Capsule {
                     id: keepTag
                     visible: row.isKeep
-                    text: row.texts.keep
+                    text: Texts.keep
                     hPadding: 4
                     color: Colours.faded(Colours.sage, 0.7)
                     anchors.verticalCenter: parent.verticalCenter
@@ -109,7 +108,7 @@ Item {
                     id: cut
                     keep: row.isKeep
                     rowName: row.title
-                    tip: row.isKeep ? row.texts.cutKeptTip : row.texts.cutNowTip
+                    tip: row.isKeep ? Texts.cutKeptTip : Texts.cutNowTip
                     anchors.verticalCenter: parent.verticalCenter
                     onClicked: row.cutPressed()
                     onActiveFocusChanged: row.hoverChanged(activeFocus)
@@ -164,7 +163,7 @@ Item {
                     spacing: 5
                     Capsule {
                         id: badge
-                        text: row.isKeep ? row.texts.keep : row.riskLabel
+                        text: row.isKeep ? Texts.keep : row.riskLabel
                         color: row.isKeep ? Colours.sage : Colours[row.riskColor || "peach"]
                     }
                     UiText {
@@ -184,7 +183,7 @@ Item {
                         anchors.verticalCenter: parent.verticalCenter
                     }
                     UiText {
-                        text: row.texts.thinking
+                        text: Texts.aiIsThinking
                         secondary: true
                         font.pixelSize: 9
                         anchors.verticalCenter: parent.verticalCenter

@@ -9,9 +9,8 @@ AbstractButton {
 
     property string styleRaw: "white"
     property bool selected: false
-    property string lang: "en"
-
-    readonly property string label: Rules.catLabel(styleRaw, lang)
+    // The style's name.
+    property string label
 
     implicitWidth: 17
     implicitHeight: 17

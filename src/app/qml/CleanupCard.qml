@@ -23,7 +23,6 @@ LiquidCard {
     signal hoverRequested(int pid)
 
     readonly property CandidateListModel candidates: feed.candidates
-    readonly property var texts: feed.texts
     // The mascot's distance below its lane, following the cut sequence on its springs.
     property real catTravelY: 0
 
@@ -49,7 +48,7 @@ LiquidCard {
     tint: candidates.count > 0 ? Colours.pink : "transparent"
     spacing: 8
     Accessible.role: Accessible.Grouping
-    Accessible.name: texts.cutPick
+    Accessible.name: Texts.cutPick
 
     Connections {
         target: card
@@ -81,7 +80,7 @@ LiquidCard {
         width: parent.width
         height: 24
         focusPolicy: Qt.StrongFocus
-        text: card.texts.cutPick
+        text: Texts.cutPick
         Accessible.role: Accessible.Button
         Accessible.name: text + (card.candidates.count > 0 ? " " + card.candidates.count : "")
         Accessible.checkable: true
@@ -105,7 +104,7 @@ LiquidCard {
                     anchors.verticalCenter: parent.verticalCenter
                 }
                 UiText {
-                    text: card.texts.cutPick
+                    text: Texts.cutPick
                     font.pixelSize: 12
                     font.weight: Font.DemiBold
                     anchors.verticalCenter: parent.verticalCenter
@@ -129,7 +128,7 @@ LiquidCard {
 
                     objectName: "cutAllButton"
                     visible: card.candidates.cutTargetCount >= 2
-                    text: card.texts.cutAll
+                    text: Texts.cutAll
                     leftPadding: 10
                     rightPadding: 10
                     topPadding: 4
@@ -239,7 +238,7 @@ LiquidCard {
             objectName: "nothingToClean"
             visible: card.candidates.count === 0
             width: parent.width
-            text: card.texts.nothingToClean
+            text: Texts.nothingToCleanUp
             secondary: true
             font.pixelSize: 10
             wrapMode: Text.Wrap
@@ -255,13 +254,12 @@ LiquidCard {
             interactive: false
             model: card.candidates
             Accessible.role: Accessible.List
-            Accessible.name: card.texts.cutPick
+            Accessible.name: Texts.cutPick
 
             delegate: CandidateRow {
                 id: candidate
                 hovered: card.hoveredID === candidate.pid
                 advisorAvailable: card.feed.advisorAvailable
-                texts: card.texts
                 onHoverChanged: inside => {
                     if (inside)
                         card.hoverRequested(candidate.pid)

@@ -7,8 +7,6 @@ Rectangle {
     id: panel
 
     required property CleanupFeed feed
-    // The card's fixed texts in the current language, by key.
-    readonly property var texts: feed.texts
 
     objectName: "criteriaPanel"
     width: parent ? parent.width : 0
@@ -26,12 +24,12 @@ Rectangle {
         spacing: 6
 
         UiText {
-            text: panel.texts.criteriaTitle
+            text: Texts.howItPicks
             font.pixelSize: 10
             font.bold: true
         }
         Repeater {
-            model: panel.feed.criteriaItems
+            model: Texts.criteriaItems
             Column {
                 id: criterion
                 required property var modelData

@@ -13,7 +13,7 @@ AbstractButton {
     property string rowName
 
     objectName: "cutButton"
-    text: "Cut"
+    text: Texts.cut
     leftPadding: 9
     rightPadding: 9
     topPadding: 3

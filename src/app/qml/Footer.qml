@@ -7,7 +7,6 @@ Column {
     id: footer
 
     required property PopoverContext context
-    readonly property string lang: context.lang
 
     objectName: "footer"
     width: parent ? parent.width : 0
@@ -18,7 +17,7 @@ Column {
         spacing: 8
         SymbolLabel {
             symbol: "globe"
-            text: Rules.text("language", footer.lang)
+            text: Texts.language
             anchors.verticalCenter: parent.verticalCenter
         }
         LanguagePicker {
@@ -32,17 +31,18 @@ Column {
         spacing: 8
         SymbolLabel {
             symbol: "cat.fill"
-            text: Rules.text("cat", footer.lang)
+            text: Texts.cat
             anchors.verticalCenter: parent.verticalCenter
         }
         Repeater {
             model: Rules.catStyles()
             CatSwatch {
                 required property string modelData
+                required property int index
                 objectName: "swatch-" + modelData
                 styleRaw: modelData
                 selected: footer.context.catStyleRaw === modelData
-                lang: footer.lang
+                label: Texts.catLabels[index]
                 anchors.verticalCenter: parent.verticalCenter
                 onClicked: footer.context.catStyleRaw = modelData
             }
@@ -53,7 +53,6 @@ Column {
         anchors.horizontalCenter: parent.horizontalCenter
         LoginSwitch {
             context: footer.context
-            lang: footer.lang
         }
     }
 
@@ -61,13 +60,13 @@ Column {
         anchors.horizontalCenter: parent.horizontalCenter
         spacing: 8
         UiText {
-            text: Rules.text("updatedEverySecond", footer.lang)
+            text: Texts.updatedEverySecond
             font.pixelSize: 10
             secondary: true
             anchors.verticalCenter: parent.verticalCenter
         }
         QuitButton {
-            text: Rules.text("quit", footer.lang)
+            text: Texts.quit
             anchors.verticalCenter: parent.verticalCenter
             onClicked: footer.context.quit()
         }

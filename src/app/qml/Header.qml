@@ -36,7 +36,7 @@ Item {
         spacing: 1
 
         UiText {
-            text: "Quelmo"
+            text: Texts.appName
             font.pixelSize: 16
             font.weight: Font.ExtraBold
         }
@@ -65,7 +65,7 @@ Item {
         }
         UiText {
             anchors.right: parent.right
-            text: "total power"
+            text: Texts.totalPower
             font.pixelSize: 10
             secondary: true
         }

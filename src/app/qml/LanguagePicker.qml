@@ -12,7 +12,7 @@ ComboBox {
     objectName: "languagePicker"
     model: context.langChoices
     currentIndex: context.langChoiceIndex
-    displayText: Rules.languageChoiceLabel(context.langRaw, context.lang)
+    displayText: Texts.languageChoices[currentIndex] ?? ""
     font.pixelSize: 11
     implicitHeight: 20
     implicitWidth: caption.implicitWidth + 26
@@ -50,7 +50,7 @@ ComboBox {
         width: Math.max(picker.width, 96)
         height: 24
         highlighted: picker.highlightedIndex === index
-        text: Rules.languageChoiceLabel(modelData, picker.context.lang)
+        text: Texts.languageChoices[index] ?? ""
         font.pixelSize: 11
         Accessible.name: text
         contentItem: UiText {

@@ -8,10 +8,9 @@ Switch {
     id: toggle
 
     required property PopoverContext context
-    property string lang: "en"
 
     objectName: "loginSwitch"
-    text: Rules.text("launchAtLogin", lang)
+    text: Texts.launchAtLogin
     font.pixelSize: 10
     padding: 0
     spacing: 6

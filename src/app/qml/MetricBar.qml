@@ -15,7 +15,6 @@ Column {
     property string detail
     property bool isExpanded: false
     property bool expandable: false
-    property string lang: "en"
 
     signal toggle
 
@@ -52,7 +51,7 @@ Column {
         AbstractButton {
             id: chevron
 
-            readonly property string tip: Rules.text("showPerProcess", bar.lang)
+            readonly property string tip: Texts.showPerProcessUsage
 
             visible: bar.expandable
             width: 16

@@ -9,7 +9,6 @@ LiquidCard {
     required property PopoverReadings readings
     required property PopoverContext context
     property var expanded: []
-    property string lang: "en"
 
     readonly property bool cpuExpanded: expanded.includes("cpu")
     readonly property bool memoryExpanded: expanded.includes("memory")
@@ -21,7 +20,7 @@ LiquidCard {
 
     MetricBar {
         objectName: "cpuBar"
-        title: "CPU"
+        title: Texts.cpu
         icon: "cpu"
         color: Colours.blue
         value: section.readings.cpuTotal
@@ -29,7 +28,6 @@ LiquidCard {
         detail: section.readings.coreSummary
         expandable: true
         isExpanded: section.cpuExpanded
-        lang: section.lang
         onToggle: section.toggle("cpu")
     }
     Reveal {
@@ -40,7 +38,6 @@ LiquidCard {
             procs: section.context.topCPU
             color: Colours.blue
             kind: "cpu"
-            lang: section.lang
         }
     }
     Reveal {
@@ -54,7 +51,7 @@ LiquidCard {
     }
     MetricBar {
         objectName: "gpuBar"
-        title: "GPU"
+        title: Texts.gpu
         icon: "display"
         color: Colours.lav
         value: section.readings.gpu
@@ -63,16 +60,16 @@ LiquidCard {
     }
     MetricBar {
         objectName: "aneBar"
-        title: "Neural Engine"
+        title: Texts.neuralEngine
         icon: "brain.head.profile"
         color: Colours.pink
         value: section.readings.aneLoad
         valueText: Rules.watts(section.readings.aneWatts, 2)
-        detail: "ANE"
+        detail: Texts.ane
     }
     MetricBar {
         objectName: "memoryBar"
-        title: "Memory"
+        title: Texts.memory
         icon: "memorychip"
         color: Colours.sage
         value: section.readings.memFraction
@@ -80,7 +77,6 @@ LiquidCard {
         detail: Rules.memDetail(section.readings.memUsed, section.readings.memTotal)
         expandable: true
         isExpanded: section.memoryExpanded
-        lang: section.lang
         onToggle: section.toggle("memory")
     }
     Reveal {
@@ -91,7 +87,6 @@ LiquidCard {
             procs: section.context.topMem
             color: Colours.sage
             kind: "memory"
-            lang: section.lang
         }
     }
 }

@@ -26,6 +26,13 @@ Item {
     // the popover then sits at its top, or at its bottom when it opened above the click.
     property bool contentAtBottom: false
 
+    // Every text of the views follows the popover's language, all at once.
+    Binding {
+        target: Texts
+        property: "lang"
+        value: view.lang
+    }
+
     function toggle(section) {
         expanded = Rules.toggled(expanded, section)
     }
@@ -101,7 +108,6 @@ Item {
                     readings: view.readings
                     context: view.context
                     expanded: view.expanded
-                    lang: view.lang
                     onToggle: section => view.toggle(section)
                 }
 

@@ -16,7 +16,7 @@ LiquidCard {
 
         SymbolLabel {
             symbol: "bolt.fill"
-            text: "Power"
+            text: Texts.power
             size: 12
             color: Colours.peach
             weight: Font.DemiBold
@@ -40,9 +40,9 @@ LiquidCard {
 
     Row {
         spacing: 12
-        PowerLegend { color: Colours.blue; label: "CPU"; watts: card.readings.cpuWatts }
-        PowerLegend { color: Colours.lav; label: "GPU"; watts: card.readings.gpuWatts }
-        PowerLegend { color: Colours.pink; label: "ANE"; watts: card.readings.aneWatts }
-        PowerLegend { color: Colours.gray; label: "RAM"; watts: card.readings.dramWatts }
+        PowerLegend { color: Colours.blue; label: Texts.cpu; watts: card.readings.cpuWatts }
+        PowerLegend { color: Colours.lav; label: Texts.gpu; watts: card.readings.gpuWatts }
+        PowerLegend { color: Colours.pink; label: Texts.ane; watts: card.readings.aneWatts }
+        PowerLegend { color: Colours.gray; label: Texts.ram; watts: card.readings.dramWatts }
     }
 }

@@ -11,7 +11,6 @@ Column {
     property color color: Colours.blue
     // "cpu" or "memory"
     property string kind: "cpu"
-    property string lang: "en"
 
     readonly property real maxValue: kind === "cpu" ? procs.maxCPU : procs.maxRSS
 
@@ -23,7 +22,7 @@ Column {
 
     UiText {
         visible: list.procs.count === 0
-        text: Rules.text("collecting", list.lang)
+        text: Texts.collecting
         font.pixelSize: 10
         secondary: true
     }

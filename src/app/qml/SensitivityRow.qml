@@ -7,8 +7,6 @@ Row {
     id: row
 
     required property CleanupFeed feed
-    // The card's fixed texts in the current language, by key.
-    readonly property var texts: feed.texts
 
     objectName: "sensitivityRow"
     width: parent ? parent.width : 0
@@ -21,14 +19,14 @@ Row {
         anchors.verticalCenter: parent.verticalCenter
     }
     UiText {
-        text: row.texts.sensitivity
+        text: Texts.sensitivity
         secondary: true
         font.pixelSize: 9
         font.weight: Font.Medium
         anchors.verticalCenter: parent.verticalCenter
     }
     UiText {
-        text: row.texts.lax
+        text: Texts.lax
         secondary: true
         font.pixelSize: 8
         anchors.verticalCenter: parent.verticalCenter
@@ -45,7 +43,7 @@ Row {
         padding: 0
         focusPolicy: Qt.StrongFocus
         anchors.verticalCenter: parent.verticalCenter
-        Accessible.name: row.texts.sensitivity
+        Accessible.name: Texts.sensitivity
         onMoved: row.feed.sensitivity = value
 
         background: Rectangle {
@@ -75,7 +73,7 @@ Row {
     }
     UiText {
         id: keen
-        text: row.texts.keen
+        text: Texts.keen
         secondary: true
         font.pixelSize: 8
         anchors.verticalCenter: parent.verticalCenter

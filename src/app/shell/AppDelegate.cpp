@@ -2,6 +2,7 @@
 
 #include "app/tray/ContextMenu.h"
 #include "app/tray/StatusTitle.h"
+#include "core/texts/Texts.h"
 
 #include <QCoreApplication>
 
@@ -24,7 +25,7 @@ AppDelegate::~AppDelegate() {
 }
 
 QList<StatusMenuEntry> AppDelegate::contextMenuEntries() {
-    return {{QStringLiteral("Quit Nuvex"), QKeySequence(Qt::CTRL | Qt::Key_Q)}};
+    return {{text(TextKey::quitNuvex), QKeySequence(Qt::CTRL | Qt::Key_Q)}};
 }
 
 void AppDelegate::applicationDidFinishLaunching() {

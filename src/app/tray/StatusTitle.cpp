@@ -1,20 +1,11 @@
 #include "app/tray/StatusTitle.h"
 
-#include <cmath>
+#include "core/texts/Percent.h"
 
 namespace quelmo {
 
-int wholePercent(double fraction) {
-    const double percent = fraction * 100.0;
-    if (!std::isfinite(percent))
-        return 0;
-    // std::round rounds halves away from zero, the rounding the title is defined with.
-    return static_cast<int>(std::round(percent));
-}
-
 QString statusTitle(double cpuTotal, double memFraction) {
-    return QString::number(wholePercent(cpuTotal)) + QStringLiteral("% ") +
-           QString::number(wholePercent(memFraction)) + QStringLiteral("%");
+    return fractionText(cpuTotal) + QLatin1Char(' ') + fractionText(memFraction);
 }
 
 } // namespace quelmo

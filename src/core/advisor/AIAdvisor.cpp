@@ -2,7 +2,7 @@
 
 #include "core/advisor/AdvisorTexts.h"
 #include "core/advisor/GenVerdict.h"
-#include "core/settings/AppLang.h"
+#include "core/texts/Texts.h"
 
 #include <QTimer>
 #include <algorithm>
@@ -29,7 +29,7 @@ qint64 AIAdvisor::monotonicMs() {
 AIAdvisor::Status AIAdvisor::status() const {
     if (doubted() || !lookAnsweredAt_ || clock_() - *lookAnsweredAt_ >= refreshIntervalMs)
         requestLook();
-    return statusFor(availability_, AppLang::effective() == QLatin1String("ko"));
+    return statusFor(availability_, currentLanguage());
 }
 
 bool AIAdvisor::readyToEvaluate() const {
@@ -66,35 +66,32 @@ void AIAdvisor::refreshStatus() {
     });
 }
 
-AIAdvisor::Status AIAdvisor::statusFor(ModelAvailability availability, bool korean) {
+AIAdvisor::Status AIAdvisor::statusFor(ModelAvailability availability, Language language) {
     switch (availability) {
     case ModelAvailability::available:
         return {true, {}};
     case ModelAvailability::deviceNotEligible:
-        return {false, korean ? QStringLiteral("이 기기는 Apple Intelligence 미지원")
-                              : QStringLiteral("Apple Intelligence not supported on this Mac")};
+        return {false, text(TextKey::modelNotSupported, language)};
     case ModelAvailability::appleIntelligenceNotEnabled:
-        return {false, korean ? QStringLiteral("Apple Intelligence가 꺼져 있음")
-                              : QStringLiteral("Apple Intelligence is turned off")};
+        return {false, text(TextKey::modelTurnedOff, language)};
     case ModelAvailability::modelNotReady:
-        return {false, korean ? QStringLiteral("모델 다운로드 중")
-                              : QStringLiteral("Model is downloading")};
+        return {false, text(TextKey::modelDownloading, language)};
     case ModelAvailability::otherReason:
         break;
     }
-    return {false, korean ? QStringLiteral("사용 불가") : QStringLiteral("Unavailable")};
+    return {false, text(TextKey::modelUnavailable, language)};
 }
 
-void AIAdvisor::evaluate(const AIQueueEntry& entry, bool korean, Done done) {
+void AIAdvisor::evaluate(const AIQueueEntry& entry, Language language, Done done) {
     if (!status().available) {
         QTimer::singleShot(0, this, [done = std::move(done)] { done(std::nullopt); });
         return;
     }
 
     ModelRequest request;
-    request.instructions = advisorInstructions(korean);
+    request.instructions = advisorInstructions(language);
     request.prompt = GenVerdict::promptWithSchema(buildPrompt(
-        entry.name, entry.cpu, entry.rssMB, entry.reason, entry.idle, entry.hasWindow, korean));
+        entry.name, entry.cpu, entry.rssMB, entry.reason, entry.idle, entry.hasWindow, language));
     request.format = GenVerdict::schemaText();
     model_->respond(request, [this, done = std::move(done)](std::optional<QString> answer) {
         std::optional<AIVerdict> verdict = answer ? verdictFromAnswer(*answer) : std::nullopt;

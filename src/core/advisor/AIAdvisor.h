@@ -5,6 +5,7 @@
 
 #include "core/advisor/AIVerdict.h"
 #include "core/advisor/LanguageModel.h"
+#include "core/texts/Language.h"
 
 #include <QList>
 #include <QObject>
@@ -49,20 +50,20 @@ public:
     // look has answered, which it asks for.
     bool readyToEvaluate() const;
 
-    // Asks the model about one candidate, in Korean when `korean` is true, else in English.
+    // Asks the model about one candidate, in the given language.
     // `done` receives the verdict, or nothing when the model is unavailable or anything in the
     // call fails. It is called exactly once, always later from the event loop, never from inside
     // this call; not at all if the advisor is destroyed first. Each call is a fresh request that
     // knows nothing of any earlier one.
-    void evaluate(const AIQueueEntry& entry, bool korean, Done done);
+    void evaluate(const AIQueueEntry& entry, Language language, Done done);
 
     // The model's free text mapped to "위험", "주의" or "안전"; unknown text gives "주의".
     static QString normalizeRisk(const QString& s);
     // The model's free text mapped to "cut" or "keep"; unknown text gives "keep".
     static QString normalizeRec(const QString& s);
 
-    // The availability reason texts, in Korean or English.
-    static Status statusFor(ModelAvailability availability, bool korean);
+    // The availability with its reason text in the given language.
+    static Status statusFor(ModelAvailability availability, Language language);
 
     static qint64 monotonicMs();
 

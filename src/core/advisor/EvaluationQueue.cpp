@@ -1,6 +1,6 @@
 #include "core/advisor/EvaluationQueue.h"
 
-#include "core/settings/AppLang.h"
+#include "core/texts/Language.h"
 
 #include <algorithm>
 
@@ -61,14 +61,14 @@ void EvaluationQueue::pump() {
 
     // The language is the one in effect as the evaluation starts. The answer comes back through
     // the event loop on this thread.
-    const bool korean = AppLang::effective() == QLatin1String("ko");
     std::weak_ptr<EvaluationQueue*> self = self_;
-    advisor_.evaluate(entry, korean, [self, name = entry.name](std::optional<AIVerdict> verdict) {
-        const std::shared_ptr<EvaluationQueue*> alive = self.lock();
-        if (!alive)
-            return;
-        (*alive)->finished(name, std::move(verdict));
-    });
+    advisor_.evaluate(entry, currentLanguage(),
+                      [self, name = entry.name](std::optional<AIVerdict> verdict) {
+                          const std::shared_ptr<EvaluationQueue*> alive = self.lock();
+                          if (!alive)
+                              return;
+                          (*alive)->finished(name, std::move(verdict));
+                      });
 }
 
 void EvaluationQueue::finished(const QString& key, std::optional<AIVerdict> verdict) {

@@ -1,47 +1,53 @@
 #include "core/cleanup/CleanupCandidate.h"
 
-#include "core/settings/AppLang.h"
+#include "core/texts/Texts.h"
+
+#include <array>
 
 namespace quelmo {
 
+namespace {
+
+// In the order of CleanupReason.
+constexpr std::array<CleanupReasonInfo, 4> reasons{{
+    {CleanupReason::spike, "spike", TextKey::reasonSpike, "peach", "exclamationmark.triangle.fill"},
+    {CleanupReason::sustained, "sustained", TextKey::reasonSustained, "rose", "flame.fill"},
+    {CleanupReason::ramHog, "ramHog", TextKey::reasonRamHog, "sage", "memorychip.fill"},
+    {CleanupReason::idleApp, "idleApp", TextKey::reasonIdleApp, "lav", "moon.zzz.fill"},
+}};
+
+constexpr bool inReasonOrder() {
+    for (std::size_t i = 0; i < reasons.size(); ++i)
+        if (static_cast<std::size_t>(reasons[i].reason) != i)
+            return false;
+    return true;
+}
+static_assert(inReasonOrder());
+
+} // namespace
+
+const CleanupReasonInfo& infoOf(CleanupReason reason) {
+    const auto index = static_cast<std::size_t>(reason);
+    return reasons[index < reasons.size() ? index : 0];
+}
+
 QString rawValue(CleanupReason reason) {
-    switch (reason) {
-    case CleanupReason::spike:
-        return QStringLiteral("spike");
-    case CleanupReason::sustained:
-        return QStringLiteral("sustained");
-    case CleanupReason::ramHog:
-        return QStringLiteral("ramHog");
-    case CleanupReason::idleApp:
-        return QStringLiteral("idleApp");
-    }
-    return {};
+    return QString::fromLatin1(infoOf(reason).raw);
 }
 
 std::optional<CleanupReason> cleanupReasonFromRaw(const QString& raw) {
-    for (const CleanupReason r : {CleanupReason::spike, CleanupReason::sustained,
-                                  CleanupReason::ramHog, CleanupReason::idleApp})
-        if (rawValue(r) == raw)
-            return r;
+    for (const CleanupReasonInfo& info : reasons)
+        if (raw == QLatin1String(info.raw))
+            return info.reason;
     return std::nullopt;
 }
 
 QString label(CleanupReason reason) {
-    return label(reason, AppLang::effective() == QLatin1String("ko"));
+    return label(reason, currentLanguage());
 }
 
-QString label(CleanupReason reason, bool korean) {
-    switch (reason) {
-    case CleanupReason::spike:
-        return korean ? QStringLiteral("비정상 급등") : QStringLiteral("Unusual spike");
-    case CleanupReason::sustained:
-        return korean ? QStringLiteral("장시간 과점유") : QStringLiteral("Sustained hog");
-    case CleanupReason::ramHog:
-        return korean ? QStringLiteral("메모리 과다") : QStringLiteral("High memory");
-    case CleanupReason::idleApp:
-        return korean ? QStringLiteral("안 쓰는 앱") : QStringLiteral("Unused app");
-    }
-    return {};
+QString label(CleanupReason reason, Language language) {
+    return text(infoOf(reason).label, language);
 }
 
 } // namespace quelmo

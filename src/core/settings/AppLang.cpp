@@ -1,6 +1,7 @@
 #include "core/settings/AppLang.h"
 
 #include "core/settings/Preferences.h"
+#include "core/texts/Texts.h"
 
 #include <QLocale>
 
@@ -38,15 +39,14 @@ QString AppLang::rawValue() const {
     return {};
 }
 
-QString AppLang::pickerLabel() const {
+QString AppLang::pickerLabel(Language language) const {
     switch (value_) {
     case automatic:
-        return effective() == QLatin1String("ko") ? QStringLiteral("시스템")
-                                                  : QStringLiteral("System");
+        return text(TextKey::languageSystem, language);
     case ko:
-        return QStringLiteral("한국어");
+        return text(TextKey::languageKorean, language);
     case en:
-        return QStringLiteral("English");
+        return text(TextKey::languageEnglish, language);
     }
     return {};
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/texts/Language.h"
+
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -25,8 +27,8 @@ public:
 
     constexpr Value value() const { return value_; }
     QString rawValue() const;
-    // "System"/"시스템" (in the effective language), "한국어", "English".
-    QString pickerLabel() const;
+    // "System"/"시스템", "한국어", "English".
+    QString pickerLabel(Language language) const;
 
     // The choice stored under "quelmo.lang"; `automatic` when absent or unknown.
     static AppLang stored();

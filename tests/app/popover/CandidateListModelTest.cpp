@@ -46,17 +46,19 @@ protected:
 // Rows are kept by pid: only what came or went is inserted or removed, what stayed is changed in
 // place or moved, so the views animate exactly those rows.
 TEST_F(CandidateListModelTest, RowsKeepTheirIdentityAcrossUpdates) {
-    model.update({candidate(10, "a"), candidate(20, "b"), candidate(30, "c")}, {}, false);
+    model.update({candidate(10, "a"), candidate(20, "b"), candidate(30, "c")}, {},
+                 Language::english);
     EXPECT_EQ(pids(model), (QList<qint64>{10, 20, 30}));
     EXPECT_EQ(inserted.size(), 3);
     clearSpies();
 
     // The same list again: nothing at all.
-    model.update({candidate(10, "a"), candidate(20, "b"), candidate(30, "c")}, {}, false);
+    model.update({candidate(10, "a"), candidate(20, "b"), candidate(30, "c")}, {},
+                 Language::english);
     EXPECT_EQ(inserted.size() + removed.size() + moved.size() + changed.size(), 0);
 
     // The middle one goes, the last one grows.
-    model.update({candidate(10, "a"), candidate(30, "c", 200e6)}, {}, false);
+    model.update({candidate(10, "a"), candidate(30, "c", 200e6)}, {}, Language::english);
     EXPECT_EQ(pids(model), (QList<qint64>{10, 30}));
     ASSERT_EQ(removed.size(), 1);
     EXPECT_EQ(removed[0][1].toInt(), 1);
@@ -66,7 +68,8 @@ TEST_F(CandidateListModelTest, RowsKeepTheirIdentityAcrossUpdates) {
     clearSpies();
 
     // A newcomer in front and the order turned round.
-    model.update({candidate(40, "d"), candidate(30, "c", 200e6), candidate(10, "a")}, {}, false);
+    model.update({candidate(40, "d"), candidate(30, "c", 200e6), candidate(10, "a")}, {},
+                 Language::english);
     EXPECT_EQ(pids(model), (QList<qint64>{40, 30, 10}));
     EXPECT_EQ(inserted.size(), 1);
     EXPECT_EQ(removed.size(), 0);
@@ -81,11 +84,13 @@ TEST_F(CandidateListModelTest, CountsAndRowsFollowTheVerdicts) {
                          QString::fromLatin1(recommendation)};
     };
     QSignalSpy targetsChanged(&model, &CandidateListModel::cutTargetCountChanged);
-    model.update(two, {{"a", verdict("cut", "주의")}, {"b", verdict("cut", "안전")}}, false);
+    model.update(two, {{"a", verdict("cut", "주의")}, {"b", verdict("cut", "안전")}},
+                 Language::english);
     EXPECT_EQ(model.count(), 2);
     EXPECT_EQ(model.cutTargetCount(), 2);
 
-    model.update(two, {{"a", verdict("cut", "주의")}, {"b", verdict("keep", "안전")}}, true);
+    model.update(two, {{"a", verdict("cut", "주의")}, {"b", verdict("keep", "안전")}},
+                 Language::korean);
     EXPECT_EQ(model.count(), 2);
     EXPECT_EQ(model.cutTargetCount(), 1);
     EXPECT_EQ(model.cutTargetPids(), QVariantList{1});

@@ -5,6 +5,9 @@
 using namespace quelmo;
 namespace rules = quelmo::cleanup_rules;
 
+constexpr Language english = Language::english;
+constexpr Language korean = Language::korean;
+
 namespace {
 
 CleanupCandidate candidate(qint64 pid, const QString& name) {
@@ -50,59 +53,48 @@ TEST(CleanupRulesTest, StatusColourAndRiskWordsFollowTheirOrder) {
     EXPECT_EQ(rules::statusColor(verdict("cut", "???")), "sage");
 
     const struct {
-        QString risk, ko, en, colour;
+        QString risk, en, colour;
     } rows[] = {
-        {"안전", "안전", "Safe", "sage"},
-        {"위험", "위험", "Danger", "rose"},
-        {"주의", "주의", "Caution", "peach"},
-        {"", "주의", "Caution", "peach"},
+        {"안전", "Safe", "sage"},
+        {"위험", "Danger", "rose"},
+        {"주의", "Caution", "peach"},
+        {"", "Caution", "peach"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.risk.toStdString());
-        EXPECT_EQ(rules::riskLabel(row.risk, true), row.ko);
-        EXPECT_EQ(rules::riskLabel(row.risk, false), row.en);
+        EXPECT_EQ(rules::riskLabel(row.risk, english), row.en);
         EXPECT_EQ(rules::riskColor(row.risk), row.colour);
     }
+    EXPECT_EQ(rules::riskLabel("위험", korean), "위험");
 }
 
 TEST(CleanupRulesTest, IdleTextAndDetailInBothLanguages) {
-    const struct {
-        double minutes;
-        const char* en;
-        const char* ko;
-    } times[] = {
-        {0, "1m ago", "1분 전"},
-        {0.3, "1m ago", "1분 전"},
-        {59.9, "59m ago", "59분 전"},
-        {60, "1h ago", "1시간 전"},
-        {125, "2h 5m ago", "2시간 5분 전"},
-        {179.99, "2h 59m ago", "2시간 59분 전"},
+    const std::pair<double, const char*> times[] = {
+        {0, "1m ago"},  {0.3, "1m ago"},    {59.9, "59m ago"},
+        {60, "1h ago"}, {125, "2h 5m ago"}, {179.99, "2h 59m ago"},
     };
-    for (const auto& t : times) {
-        SCOPED_TRACE(t.minutes);
-        EXPECT_EQ(rules::idleText(t.minutes, false), QString::fromUtf8(t.en));
-        EXPECT_EQ(rules::idleText(t.minutes, true), QString::fromUtf8(t.ko));
-    }
+    for (const auto& [minutes, shown] : times)
+        EXPECT_EQ(rules::idleText(minutes, english), shown) << minutes;
+    EXPECT_EQ(rules::idleText(125, korean), "2시간 5분 전");
 
     CleanupCandidate hidden = candidate(1, "app");
     hidden.reason = CleanupReason::idleApp;
     hidden.idleMinutes = 60;
-    EXPECT_EQ(rules::idleDetail(hidden, false), "Last used 1h ago · no window");
-    EXPECT_EQ(rules::idleDetail(hidden, true), "마지막 사용 1시간 전 · 창 없음");
+    EXPECT_EQ(rules::idleDetail(hidden, english), "Last used 1h ago · no window");
+    EXPECT_EQ(rules::idleDetail(hidden, korean), "마지막 사용 1시간 전 · 창 없음");
 
     CleanupCandidate windowed = hidden;
     windowed.hasWindow = true;
     windowed.idleMinutes = 5;
-    EXPECT_EQ(rules::idleDetail(windowed, false), "Last used 5m ago");
+    EXPECT_EQ(rules::idleDetail(windowed, english), "Last used 5m ago");
 
     CleanupCandidate neverOpened = hidden;
     neverOpened.idleMinutes.reset();
-    EXPECT_EQ(rules::idleDetail(neverOpened, false), "Not opened this session · no window");
-    EXPECT_EQ(rules::idleDetail(neverOpened, true), "이번 세션에 안 띄움 · 창 없음");
+    EXPECT_EQ(rules::idleDetail(neverOpened, english), "Not opened this session · no window");
 
     CleanupCandidate spike = candidate(2, "hog");
     spike.reason = CleanupReason::spike;
-    EXPECT_EQ(rules::idleDetail(spike, false), "");
+    EXPECT_EQ(rules::idleDetail(spike, english), "");
 }
 
 // The mascot travels from its lane to 22 points above the row's middle, and only for more
@@ -123,12 +115,11 @@ TEST(CleanupRulesTest, TravelDistanceFromRowPositions) {
 TEST(CleanupRulesTest, FooterTellsTheAdvisorsState) {
     const AIAdvisor::Status available{true, {}};
     const AIAdvisor::Status off{false, QStringLiteral("Model not ready")};
-    EXPECT_EQ(rules::footerText(available, off, false), "Apple Intelligence · on-device");
-    EXPECT_EQ(rules::footerText(available, off, true), "Apple Intelligence · 온디바이스 분석");
-    EXPECT_EQ(rules::footerText(off, off, false), "AI notes off — Model not ready");
-    EXPECT_EQ(rules::footerText(off, off, true), "AI 설명 꺼짐 — Model not ready");
-    EXPECT_EQ(rules::footerText(off, available, false), "");
-    EXPECT_EQ(rules::footerText(off, AIAdvisor::Status{false, {}}, false), "");
+    EXPECT_EQ(rules::footerText(available, off, english), "Apple Intelligence · on-device");
+    EXPECT_EQ(rules::footerText(off, off, english), "AI notes off — Model not ready");
+    EXPECT_EQ(rules::footerText(off, off, korean), "AI 설명 꺼짐 — Model not ready");
+    EXPECT_EQ(rules::footerText(off, available, english), "");
+    EXPECT_EQ(rules::footerText(off, AIAdvisor::Status{false, {}}, english), "");
 }
 
 // Qt Quick's spring, stepped every 16 ms, settles like a spring of the asked response: a
@@ -153,12 +144,12 @@ TEST(CleanupRulesTest, SpringParametersGiveTheDesignedFeel) {
 }
 
 TEST(CleanupRulesTest, CriteriaInThreeGroups) {
-    const QVariantList items = rules::criteriaItems(false);
+    const QVariantList items = rules::criteriaItems(english);
     ASSERT_EQ(items.size(), 9);
     QList<int> groupEnds;
     for (int i = 0; i < items.size(); ++i)
         if (items[i].toMap()["groupEnd"].toBool())
             groupEnds.append(i);
     EXPECT_EQ(groupEnds, (QList<int>{4, 6}));
-    EXPECT_EQ(rules::criteriaItems(true)[0].toMap()["title"], "지금 쓰는 건 안 건드려요");
+    EXPECT_EQ(rules::criteriaItems(korean)[0].toMap()["title"], "지금 쓰는 건 안 건드려요");
 }

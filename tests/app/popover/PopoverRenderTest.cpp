@@ -1,3 +1,4 @@
+#include "app/popover/PopoverContext.h"
 #include "app/preview/PopoverPreview.h"
 
 #include <QAccessible>
@@ -162,10 +163,21 @@ TEST(PopoverRender, ProcessListsAlignTheirBarsAndFigures) {
     ASSERT_TRUE(about);
     EXPECT_EQ(about->text(QAccessible::Description), longName);
 
-    ASSERT_FALSE(figures.isEmpty());
-    const QFontMetricsF metrics(figures[0]->property("font").value<QFont>());
-    EXPECT_EQ(metrics.horizontalAdvance(QStringLiteral("1111")),
-              metrics.horizontalAdvance(QStringLiteral("0000")));
+    // Every figure that changes each second (the bars', the processes', the total watts) in the
+    // font it is drawn with.
+    for (QQuickItem* item : items)
+        if (item->objectName() == QLatin1String("figure") ||
+            item->objectName() == QLatin1String("totalWatts"))
+            figures.append(item);
+    ASSERT_GE(figures.size(), 5);
+    for (QQuickItem* figure : figures) {
+        const QFontMetricsF metrics(figure->property("font").value<QFont>());
+        SCOPED_TRACE(figure->property("text").toString().toStdString());
+        EXPECT_EQ(metrics.horizontalAdvance(QStringLiteral("1111")),
+                  metrics.horizontalAdvance(QStringLiteral("0000")));
+        EXPECT_EQ(metrics.horizontalAdvance(QStringLiteral("8888")),
+                  metrics.horizontalAdvance(QStringLiteral("0000")));
+    }
 }
 
 // Pixels of the logo within a few levels of `colour`.
@@ -347,17 +359,40 @@ TEST(CleanupCardRender, OutsideTextsAreDrawnAsPlainText) {
     EXPECT_EQ(connections, 0);
 }
 
-TEST(CleanupCardRender, KoreanCard) {
+// Korean throughout, and a change of language in the popover turns every text at once: the
+// card's own words, the rows' words and the footer's.
+TEST(CleanupCardRender, KoreanCardTurnsEnglishAtOnce) {
     PopoverPreview preview(PreviewState::fromJson(cleanupState("cleanup-korean")));
     ASSERT_TRUE(preview.root()) << preview.errors().toStdString();
     preview.render();
-    const QStringList texts = visibleTexts(preview.root());
-    for (const char* expected :
-         {"Cut 추천", "모두 Cut", "유지", "민감도", "주의", "마지막 사용 2시간 5분 전 · 창 없음",
-          "어떻게 '안 쓰는 것'만 고르나"})
+    const char* korean[] = {"Cut 추천",
+                            "모두 Cut",
+                            "유지",
+                            "민감도",
+                            "주의",
+                            "종료",
+                            "마지막 사용 2시간 5분 전 · 창 없음",
+                            "어떻게 '안 쓰는 것'만 고르나"};
+    const char* english[] = {"Cut pick",
+                             "Cut all",
+                             "Keep",
+                             "Sensitivity",
+                             "Caution",
+                             "Quit",
+                             "Last used 2h 5m ago · no window",
+                             "How it picks only the unused"};
+    QStringList texts = visibleTexts(preview.root());
+    for (const char* expected : korean)
         EXPECT_TRUE(texts.contains(QString::fromUtf8(expected))) << expected;
-    EXPECT_FALSE(texts.contains(QStringLiteral("Cut all")));
-    EXPECT_FALSE(texts.contains(QStringLiteral("Keep")));
+    for (const char* absent : english)
+        EXPECT_FALSE(texts.contains(QString::fromUtf8(absent))) << absent;
+
+    preview.context().setLangRaw(QStringLiteral("en"));
+    texts = visibleTexts(preview.root());
+    for (const char* expected : english)
+        EXPECT_TRUE(texts.contains(QString::fromUtf8(expected))) << expected;
+    for (const char* absent : korean)
+        EXPECT_FALSE(texts.contains(QString::fromUtf8(absent))) << absent;
 }
 
 } // namespace

@@ -1,7 +1,6 @@
 #include "app/popover/PopoverRules.h"
 
 #include "app/popover/CatStyle.h"
-#include "app/popover/PopoverTexts.h"
 
 #include <QColor>
 #include <gtest/gtest.h>
@@ -13,15 +12,6 @@ namespace {
 using namespace PopoverRules;
 
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-
-TEST(PopoverFormats, PercentRoundsHalvesAwayFromZero) {
-    EXPECT_EQ(pct(0.5), "50%");
-    EXPECT_EQ(pct(0.004), "0%");
-    EXPECT_EQ(pct(0.125), "13%");
-    EXPECT_EQ(pct(0.005), "1%");
-    EXPECT_EQ(pct(1.0), "100%");
-    EXPECT_EQ(pct(nan), "0%");
-}
 
 TEST(PopoverFormats, MemorySwitchesToGigabytesAtOneGibibyte) {
     EXPECT_EQ(mem(1073741824.0), "1.0GB");
@@ -127,22 +117,20 @@ QColor rgb(double r, double g, double b, double a = 1) {
                             static_cast<float>(a));
 }
 
-TEST(CatStyles, ColoursOutlinesAndLabels) {
+TEST(CatStyles, ColoursAndOutlines) {
     struct Expected {
         const char* raw;
         QColor fur, eyes, outline, innerEar;
-        const char* ko;
-        const char* en;
     };
     const Expected styles[] = {
         {"white", rgb(0.975, 0.975, 0.99), rgb(0.36, 0.59, 0.88), rgb(0, 0, 0, 0.13),
-         rgb(0.97, 0.76, 0.79), "흰둥이", "White"},
+         rgb(0.97, 0.76, 0.79)},
         {"gray", rgb(0.63, 0.65, 0.70), rgb(0.36, 0.59, 0.88), rgb(0, 0, 0, 0.16),
-         rgb(0.97, 0.76, 0.79), "회색이", "Grey"},
+         rgb(0.97, 0.76, 0.79)},
         {"cheese", rgb(0.93, 0.73, 0.43), rgb(0.20, 0.21, 0.27), rgb(0, 0, 0, 0.13),
-         rgb(0.97, 0.76, 0.79), "치즈", "Cheese"},
+         rgb(0.97, 0.76, 0.79)},
         {"black", rgb(0.26, 0.27, 0.33), rgb(0.97, 0.92, 0.66), rgb(1, 1, 1, 0.18),
-         rgb(0.80, 0.54, 0.58), "까망이", "Black"},
+         rgb(0.80, 0.54, 0.58)},
     };
     QStringList order;
     for (const CatStyle style : CatStyle::allCases())
@@ -156,8 +144,6 @@ TEST(CatStyles, ColoursOutlinesAndLabels) {
         EXPECT_EQ(style.eyeColor(), e.eyes);
         EXPECT_EQ(style.outline(), e.outline);
         EXPECT_EQ(style.innerEar(), e.innerEar);
-        EXPECT_EQ(style.label("ko"), QString::fromUtf8(e.ko));
-        EXPECT_EQ(style.label("en"), QString::fromUtf8(e.en));
     }
 }
 
@@ -168,17 +154,6 @@ TEST(CatStyles, UnknownStoredTextDrawsAsWhite) {
         EXPECT_EQ(CatStyle::forStored(raw).fur(), rgb(0.975, 0.975, 0.99));
         EXPECT_EQ(CatStyle::forStored(raw).outline(), rgb(0, 0, 0, 0.13));
     }
-}
-
-TEST(PopoverTexts, BothLanguages) {
-    EXPECT_EQ(PopoverTexts::text("quit", "ko"), "종료");
-    EXPECT_EQ(PopoverTexts::text("quit", "en"), "Quit");
-    EXPECT_EQ(PopoverTexts::text("collecting", "en"), "Collecting…");
-    EXPECT_EQ(PopoverTexts::text("no such text", "en"), "");
-    EXPECT_EQ(PopoverTexts::languageChoiceLabel("auto", "ko"), "시스템");
-    EXPECT_EQ(PopoverTexts::languageChoiceLabel("auto", "en"), "System");
-    EXPECT_EQ(PopoverTexts::languageChoiceLabel("ko", "en"), "한국어");
-    EXPECT_EQ(PopoverTexts::languageChoiceLabel("en", "ko"), "English");
 }
 
 } // namespace

@@ -58,7 +58,7 @@ TEST_F(EvaluationQueueTest, EachKeyQueuedOnceOneAtATimeAndAFailedKeyPauses) {
     queue.queueCandidates(candidates);
     ASSERT_EQ(model->requests.size(), 1);
     EXPECT_TRUE(model->requests[0].prompt.startsWith(
-        buildPrompt("Firefox", 42.5, 180.6, "Unused app", 125.5, false, false)));
+        buildPrompt("Firefox", 42.5, 180.6, "Unused app", 125.5, false, Language::english)));
     EXPECT_EQ(queued(), QStringList({"node", "firefox"}));
     EXPECT_TRUE(queue.busy());
 
@@ -92,7 +92,7 @@ TEST_F(EvaluationQueueTest, OnlyClearingEmptiesTheCacheAndTheNextRoundAsksInTheN
     model->answer(keepAnswer);                  // its English answer lands in the emptied cache
     EXPECT_TRUE(queue.verdicts().contains("gimp"));
     ASSERT_EQ(model->requests.size(), 3);
-    EXPECT_EQ(model->requests[2].instructions, advisorInstructions(true));
+    EXPECT_EQ(model->requests[2].instructions, advisorInstructions(Language::korean));
     EXPECT_TRUE(model->requests[2].prompt.contains("- 탐지 사유: '메모리 과다'"));
 }
 

@@ -27,10 +27,4 @@ TEST(AppLangTest, ResolvesStoredChoiceThenFirstPreferredLanguage) {
     }
     EXPECT_FALSE(AppLang::fromRaw("Auto"));
     EXPECT_EQ(AppLang::fromRaw("auto"), AppLang(AppLang::automatic));
-
-    AppLang::setPreferredLanguagesSource([] { return QStringList{"ko-KR"}; });
-    EXPECT_EQ(AppLang(AppLang::automatic).pickerLabel(), QStringLiteral("시스템"));
-    AppLang::setPreferredLanguagesSource([] { return QStringList{"en-US"}; });
-    EXPECT_EQ(AppLang(AppLang::automatic).pickerLabel(), QStringLiteral("System"));
-    AppLang::setPreferredLanguagesSource({});
 }

@@ -43,7 +43,8 @@ struct Client {
 
     std::optional<AIVerdict> evaluate() {
         std::optional<std::optional<AIVerdict>> result;
-        advisor.evaluate(preview, false, [&](std::optional<AIVerdict> v) { result = v; });
+        advisor.evaluate(preview, Language::english,
+                         [&](std::optional<AIVerdict> v) { result = v; });
         EXPECT_FALSE(result) << "answered from inside evaluate";
         EXPECT_TRUE(waitUntil([&] { return result.has_value(); }));
         return result.value_or(std::nullopt);

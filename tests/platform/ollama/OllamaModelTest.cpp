@@ -26,10 +26,11 @@ TEST(OllamaModel, RequestCarriesInstructionsPromptAndSchemaAndBadAnswersYieldNot
     auto client = std::make_unique<Client>(server.url());
     EXPECT_EQ(client->evaluate(), (AIVerdict{" Image viewer", true, "안전", "cut"}));
     const QByteArray raw = server.lastBody; // the look is over: the chat is the last request
-    const QString prompt = buildPrompt("Preview", 0.3, 180.6, "Unused app", 125.5, false, false);
+    const QString prompt =
+        buildPrompt("Preview", 0.3, 180.6, "Unused app", 125.5, false, Language::english);
     // A fresh conversation each time, with no sampling options and no streaming.
     const QJsonArray messages = {
-        QJsonObject{{"role", "system"}, {"content", advisorInstructions(false)}},
+        QJsonObject{{"role", "system"}, {"content", advisorInstructions(Language::english)}},
         QJsonObject{{"role", "user"}, {"content", GenVerdict::promptWithSchema(prompt)}}};
     EXPECT_EQ(QJsonDocument::fromJson(raw).object(),
               (QJsonObject{{"model", "qwen:0.5b"},
@@ -58,7 +59,8 @@ TEST(OllamaModel, RequestCarriesInstructionsPromptAndSchemaAndBadAnswersYieldNot
     // Dropped while an answer is on its way: nothing is called back into the dead advisor.
     server.requests.clear();
     server.on("POST", "/api/chat", Answer{200, FakeOllamaServer::chatAnswer(goodAnswer).body, 100});
-    client->advisor.evaluate(preview, false, [](auto) { ADD_FAILURE() << "called back"; });
+    client->advisor.evaluate(preview, Language::english,
+                             [](auto) { ADD_FAILURE() << "called back"; });
     ASSERT_TRUE(waitUntil([&] { return server.requests.contains("POST /api/chat"); }));
     client.reset();
     waitUntil([] { return false; }, 300);
