@@ -43,4 +43,12 @@ QVariantList UiTexts::criteriaItems() const {
     return cleanup_rules::criteriaItems(language_);
 }
 
+QString UiTexts::withTip(const QString& name, const QString& tip) const {
+    return textWith(TextKey::nameWithTip, language_, name, tip);
+}
+
+QString UiTexts::withCount(const QString& name, int count) const {
+    return textWith(TextKey::nameWithCount, language_, name, QString::number(count));
+}
+
 } // namespace quelmo

@@ -101,6 +101,10 @@ public:
     QStringList languageChoices() const;
     QStringList catLabels() const;
     QVariantList criteriaItems() const;
+    // "Cut — Cut now": what assistive technologies are told of a control with a tooltip.
+    Q_INVOKABLE QString withTip(const QString& name, const QString& tip) const;
+    // "Cut pick 3".
+    Q_INVOKABLE QString withCount(const QString& name, int count) const;
 
 signals:
     void languageChanged();

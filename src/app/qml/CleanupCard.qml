@@ -82,7 +82,7 @@ LiquidCard {
         focusPolicy: Qt.StrongFocus
         text: Texts.cutPick
         Accessible.role: Accessible.Button
-        Accessible.name: text + (card.candidates.count > 0 ? " " + card.candidates.count : "")
+        Accessible.name: card.candidates.count > 0 ? Texts.withCount(text, card.candidates.count) : text
         Accessible.checkable: true
         Accessible.checked: card.expanded
         Keys.onReturnPressed: clicked()

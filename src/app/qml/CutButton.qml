@@ -22,7 +22,7 @@ AbstractButton {
     focusPolicy: Qt.StrongFocus
     Accessible.role: Accessible.Button
     Accessible.name: text
-    Accessible.description: rowName + " — " + tip
+    Accessible.description: Texts.withTip(rowName, tip)
     Keys.onReturnPressed: clicked()
     Keys.onEnterPressed: clicked()
 

@@ -60,7 +60,7 @@ Column {
             anchors.verticalCenter: parent.verticalCenter
             hoverEnabled: true
             Accessible.role: Accessible.Button
-            Accessible.name: bar.title + " — " + tip
+            Accessible.name: Texts.withTip(bar.title, tip)
             Accessible.description: tip
             Accessible.checkable: true
             Accessible.checked: bar.isExpanded

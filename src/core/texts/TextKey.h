@@ -21,6 +21,8 @@ enum class TextKey {
     launchAtLogin,
     updatedEverySecond,
     quit,
+    nameWithTip, // (template) a control's name, then its tooltip, as assistive technologies hear it
+    nameWithCount, // (template) a heading, then how many it holds
 
     // The metric and power cards.
     cpu,

@@ -27,6 +27,8 @@ constexpr TextEntry entries[] = {
     {launchAtLogin, u8"Launch at login", u8"로그인 시 자동 실행"},
     {updatedEverySecond, u8"Updated every 1s", u8"1초마다 갱신"},
     {quit, u8"Quit", u8"종료"},
+    {nameWithTip, u8"%1 — %2", u8"%1 — %2"},
+    {nameWithCount, u8"%1 %2", u8"%1 %2"},
 
     {TextKey::cpu, u8"CPU", u8"CPU"},
     {gpu, u8"GPU", u8"GPU"},
