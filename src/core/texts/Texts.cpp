@@ -6,6 +6,9 @@ namespace quelmo {
 
 namespace {
 
+// Kept in a namespace of its own so that the keys' short names stay inside it.
+namespace table {
+
 using enum TextKey;
 
 // Each text as it is shown or sent, English first. Long texts keep their source lines so that
@@ -164,8 +167,12 @@ constexpr TextEntry entries[] = {
 };
 // clang-format on
 
+} // namespace table
+
+using table::entries;
+
 constexpr bool inKeyOrder() {
-    if (std::size(entries) != static_cast<std::size_t>(keyCount))
+    if (std::size(entries) != static_cast<std::size_t>(TextKey::keyCount))
         return false;
     for (std::size_t i = 0; i < std::size(entries); ++i)
         if (static_cast<std::size_t>(entries[i].key) != i)
