@@ -45,7 +45,7 @@ TEST(TextTable, EveryKeyHasBothLanguagesAndTheSamePlaceholders) {
     }
 }
 
-TEST(TextTable, TextsAreTheDesignedBytesAndTemplatesFillInOnePass) {
+TEST(TextTable, TextsAreTheExactBytesAndTemplatesFillInOnePass) {
     EXPECT_EQ(en(TextKey::quitNuvex), "Quit Nuvex");
     EXPECT_EQ(ko(TextKey::cutAll), "모두 Cut");
     EXPECT_EQ(en(TextKey::collecting), "Collecting…");
