@@ -120,7 +120,7 @@ QDBusObjectPath StatusNotifierItem::menuPath() const {
 }
 
 QString StatusNotifierItem::labelGuide() const {
-    return QString::fromLatin1(statusTitleGuide);
+    return statusTitleGuide();
 }
 
 void StatusNotifierItem::ContextMenu(int x, int y) {

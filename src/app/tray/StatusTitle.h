@@ -9,6 +9,8 @@ QString statusTitle(double cpuTotal, double memFraction);
 
 // The widest title the item can show; hosts that show labels reserve this much room so the
 // item does not jitter as the digits change.
-inline constexpr const char* statusTitleGuide = "100% 100%";
+inline QString statusTitleGuide() {
+    return statusTitle(1.0, 1.0); // "100% 100%"
+}
 
 } // namespace quelmo
