@@ -24,9 +24,12 @@ std::optional<AIVerdict> verdictOf(const CleanupCandidate& c, const Verdicts& ve
     return *found;
 }
 
-bool isKeep(const CleanupCandidate& c, const Verdicts& verdicts) {
-    const auto verdict = verdictOf(c, verdicts);
+bool isKeep(const std::optional<AIVerdict>& verdict) {
     return verdict && verdict->recommendation == QLatin1String("keep");
+}
+
+bool isKeep(const CleanupCandidate& c, const Verdicts& verdicts) {
+    return isKeep(verdictOf(c, verdicts));
 }
 
 QList<CleanupCandidate> cutTargets(const QList<CleanupCandidate>& candidates,
@@ -41,7 +44,7 @@ QList<CleanupCandidate> cutTargets(const QList<CleanupCandidate>& candidates,
 QString statusColor(const std::optional<AIVerdict>& verdict) {
     if (!verdict)
         return QStringLiteral("gray");
-    if (verdict->recommendation == QLatin1String("keep"))
+    if (isKeep(verdict))
         return QStringLiteral("sage");
     if (verdict->risk == riskDanger)
         return QStringLiteral("rose");
@@ -56,6 +59,12 @@ QString riskColor(const QString& risk) {
     if (risk == riskDanger)
         return QStringLiteral("rose");
     return QStringLiteral("peach");
+}
+
+QString badgeColor(const std::optional<AIVerdict>& verdict) {
+    if (isKeep(verdict))
+        return QStringLiteral("sage");
+    return riskColor(verdict ? verdict->risk : QString());
 }
 
 QString riskLabel(const QString& risk, bool korean) {

@@ -41,9 +41,6 @@ LiquidCard {
     function cutRow(pid) {
         feed.cut.cut([pid], pid, rowYs())
     }
-    function cutAll() {
-        feed.cut.cut(candidates.cutTargetPids(), undefined, {})
-    }
 
     objectName: "cleanupCard"
     tint: candidates.count > 0 ? Colours.pink : "transparent"
@@ -128,7 +125,7 @@ LiquidCard {
                     id: cutAllButton
 
                     objectName: "cutAllButton"
-                    visible: card.candidates.cutTargetCount >= 2
+                    visible: card.candidates.cutAllOffered
                     text: card.texts.cutAll
                     leftPadding: 10
                     rightPadding: 10
@@ -140,7 +137,7 @@ LiquidCard {
                     Accessible.name: text
                     Keys.onReturnPressed: clicked()
                     Keys.onEnterPressed: clicked()
-                    onClicked: card.cutAll()
+                    onClicked: card.feed.cutAll()
 
                     contentItem: Row {
                         spacing: 4
