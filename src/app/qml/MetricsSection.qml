@@ -8,11 +8,9 @@ LiquidCard {
 
     required property PopoverReadings readings
     required property PopoverContext context
-    property var expanded: []
+    required property bool cpuExpanded
+    required property bool memoryExpanded
     property string lang: "en"
-
-    readonly property bool cpuExpanded: expanded.includes("cpu")
-    readonly property bool memoryExpanded: expanded.includes("memory")
 
     signal toggle(string section)
 
