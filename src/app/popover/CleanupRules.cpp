@@ -75,32 +75,38 @@ QString riskLabel(const QString& risk, bool korean) {
     return pick(korean, "주의", "Caution");
 }
 
+namespace {
+
+// How each reason's chip looks: its symbol and its palette colour.
+struct ReasonLook {
+    CleanupReason reason;
+    const char* symbol;
+    const char* color;
+};
+constexpr ReasonLook reasonLooks[] = {
+    {CleanupReason::spike, "exclamationmark.triangle.fill", "peach"},
+    {CleanupReason::sustained, "flame.fill", "rose"},
+    {CleanupReason::ramHog, "memorychip.fill", "sage"},
+    {CleanupReason::idleApp, "moon.zzz.fill", "lav"},
+};
+
+const ReasonLook* lookOf(CleanupReason reason) {
+    for (const ReasonLook& look : reasonLooks)
+        if (look.reason == reason)
+            return &look;
+    return nullptr;
+}
+
+} // namespace
+
 QString reasonColor(CleanupReason reason) {
-    switch (reason) {
-    case CleanupReason::spike:
-        return QStringLiteral("peach");
-    case CleanupReason::sustained:
-        return QStringLiteral("rose");
-    case CleanupReason::ramHog:
-        return QStringLiteral("sage");
-    case CleanupReason::idleApp:
-        return QStringLiteral("lav");
-    }
-    return QStringLiteral("gray");
+    const ReasonLook* look = lookOf(reason);
+    return QLatin1String(look ? look->color : "gray");
 }
 
 QString reasonSymbol(CleanupReason reason) {
-    switch (reason) {
-    case CleanupReason::spike:
-        return QStringLiteral("exclamationmark.triangle.fill");
-    case CleanupReason::sustained:
-        return QStringLiteral("flame.fill");
-    case CleanupReason::ramHog:
-        return QStringLiteral("memorychip.fill");
-    case CleanupReason::idleApp:
-        return QStringLiteral("moon.zzz.fill");
-    }
-    return {};
+    const ReasonLook* look = lookOf(reason);
+    return look ? QLatin1String(look->symbol) : QString();
 }
 
 QString idleText(double minutes, bool korean) {
