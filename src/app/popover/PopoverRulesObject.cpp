@@ -156,6 +156,14 @@ QColor PopoverRulesObject::catInnerEar(const QString& raw) {
     return CatStyle::forStored(raw).innerEar();
 }
 
+bool PopoverRulesObject::catStriped(const QString& raw) {
+    return CatStyle::forStored(raw).striped();
+}
+
+bool PopoverRulesObject::catDotted(const QString& raw) {
+    return CatStyle::forStored(raw).dotted();
+}
+
 QColor PopoverRulesObject::catStripes() {
     return CatStyle::stripes();
 }

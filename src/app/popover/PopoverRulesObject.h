@@ -57,6 +57,9 @@ public:
     Q_INVOKABLE static QColor catEyes(const QString& raw);
     Q_INVOKABLE static QColor catOutline(const QString& raw);
     Q_INVOKABLE static QColor catInnerEar(const QString& raw);
+    // Whether the style's figure and swatch carry tabby stripes, and its swatch dots.
+    Q_INVOKABLE static bool catStriped(const QString& raw);
+    Q_INVOKABLE static bool catDotted(const QString& raw);
     Q_INVOKABLE static QColor catStripes();
     Q_INVOKABLE static QColor grayMarks();
 
