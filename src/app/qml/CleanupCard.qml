@@ -27,19 +27,13 @@ LiquidCard {
     // The mascot's distance below its lane, following the cut sequence on its springs.
     property real catTravelY: 0
 
-    // Where each row's middle is, and the mascot's (key -1), in the card's coordinates.
-    function rowYs() {
+    // A row's Cut: the mascot walks from the middle of its lane (key -1) to `rowY`, the middle of
+    // the row, both in the card's coordinates.
+    function cutRow(pid, rowY) {
         const ys = {}
         ys["-1"] = mascot.mapToItem(card, 0, mascot.height / 2).y
-        for (let i = 0; i < rows.count; ++i) {
-            const item = rows.itemAtIndex(i)
-            if (item)
-                ys[String(item.pid)] = item.mapToItem(card, 0, item.height / 2).y
-        }
-        return ys
-    }
-    function cutRow(pid) {
-        feed.cut.cut([pid], pid, rowYs())
+        ys[String(pid)] = rowY
+        feed.cut.cut([pid], pid, ys)
     }
 
     objectName: "cleanupCard"
@@ -265,7 +259,8 @@ LiquidCard {
                     else if (card.hoveredID === candidate.pid)
                         card.hoverRequested(-1)
                 }
-                onCutPressed: card.cutRow(candidate.pid)
+                onCutPressed: card.cutRow(candidate.pid,
+                                          candidate.mapToItem(card, 0, candidate.height / 2).y)
             }
             add: Transition {
                 NumberAnimation { property: "opacity"; from: 0; to: 1; duration: 250; easing.type: Easing.InOutQuad }
