@@ -49,19 +49,6 @@ TEST(CleanupFeedTest, FollowsTheHub) {
     EXPECT_EQ(feed.cut()->cutTrigger(), 1);
 }
 
-// "Cut all" takes every row the advisor would not keep, in list order, each as its row shows it.
-TEST(CleanupFeedTest, CutAllLeavesKeptRowsOut) {
-    QList<ProcessIdentity> asked;
-    CleanupFeed feed([&asked](const QList<ProcessIdentity>& targets) { asked += targets; });
-    QList<CleanupCandidate> three{idleApp(7, "mail", 5), idleApp(8, "music", 5),
-                                  idleApp(9, "notes", 5)};
-    for (CleanupCandidate& c : three)
-        c.proc.startTime = static_cast<std::uint64_t>(c.proc.id * 100);
-    feed.setCandidates(three, {{"music", AIVerdict{"Playing", false, "주의", "keep"}}});
-    feed.cutAll();
-    EXPECT_EQ(asked, (QList<ProcessIdentity>{{7, 700}, {9, 900}}));
-}
-
 // The texts follow the interface language from the next update on, rows and fixed texts alike.
 TEST(CleanupFeedTest, TextsFollowTheLanguage) {
     AppLang::setPreferredLanguagesSource([] { return QStringList{"en-US"}; });
