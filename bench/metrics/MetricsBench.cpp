@@ -209,7 +209,6 @@ void HubRefreshOnMainThread(benchmark::State& state) {
     platform.readProcessesOffThread = false;
     SystemMetrics hub(std::move(platform));
     hub.setPollProcesses(true);
-    hub.refreshProcesses();
     timed(state, [&] { hub.refreshProcesses(); });
 }
 
@@ -306,7 +305,6 @@ OpenPopoverFigures runOpenPopover(bool offThread, int seconds) {
     QObject::connect(&hub, &SystemMetrics::topCPUChanged, [&] { ++figures.refreshes; });
     hub.start();
     hub.setPollProcesses(true);
-    hub.refreshProcesses();
 
     // A timer due every 5 ms on the main thread: any lateness beyond its period is a stall.
     constexpr qint64 periodNs = 5'000'000;

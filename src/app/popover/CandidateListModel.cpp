@@ -1,66 +1,26 @@
 #include "app/popover/CandidateListModel.h"
 
-#include <QSet>
+#include "app/popover/KeyedUpdate.h"
 
 namespace quelmo {
 
 namespace rules = cleanup_rules;
 
-bool CandidateListModel::Row::operator==(const Row& other) const {
-    const CleanupCandidate& a = candidate;
-    const CleanupCandidate& b = other.candidate;
-    return a.proc.id == b.proc.id && a.proc.startTime == b.proc.startTime &&
-           a.proc.name == b.proc.name && a.proc.rss == b.proc.rss && a.reason == b.reason &&
-           a.idleMinutes == b.idleMinutes && a.hasWindow == b.hasWindow &&
-           a.displayName == b.displayName && verdict == other.verdict && language == other.language;
-}
-
 CandidateListModel::CandidateListModel(QObject* parent) : QAbstractListModel(parent) {}
-
-qsizetype CandidateListModel::indexOf(qint64 pid, qsizetype from) const {
-    for (qsizetype i = from; i < rows_.size(); ++i)
-        if (rows_[i].candidate.id() == pid)
-            return i;
-    return -1;
-}
 
 void CandidateListModel::update(const QList<CleanupCandidate>& candidates,
                                 const rules::Verdicts& verdicts, Language language) {
     const int oldCount = count();
     const int oldTargets = cutTargetCount();
 
-    QSet<qint64> wanted;
+    QList<Row> fresh;
+    fresh.reserve(candidates.size());
     for (const CleanupCandidate& c : candidates)
-        wanted.insert(c.id());
-    for (qsizetype i = rows_.size() - 1; i >= 0; --i) {
-        if (wanted.contains(rows_[i].candidate.id()))
-            continue;
-        beginRemoveRows({}, static_cast<int>(i), static_cast<int>(i));
-        rows_.removeAt(i);
-        endRemoveRows();
-    }
-
-    for (qsizetype i = 0; i < candidates.size(); ++i) {
-        const CleanupCandidate& c = candidates[i];
-        Row fresh{c, rules::verdictOf(c, verdicts), language};
-        const qsizetype at = indexOf(c.id(), i);
-        const int row = static_cast<int>(i);
-        if (at < 0) {
-            beginInsertRows({}, row, row);
-            rows_.insert(i, std::move(fresh));
-            endInsertRows();
-            continue;
-        }
-        if (at != i) {
-            beginMoveRows({}, static_cast<int>(at), static_cast<int>(at), {}, row);
-            rows_.move(at, i);
-            endMoveRows();
-        }
-        if (!(rows_[i] == fresh)) {
-            rows_[i] = std::move(fresh);
-            emit dataChanged(index(row), index(row));
-        }
-    }
+        fresh.append({c, rules::verdictOf(c, verdicts), language});
+    QList<int> roles = roleNames().keys();
+    roles.append(Qt::DisplayRole);
+    KeyedUpdate::apply(
+        *this, rows_, fresh, [](const Row& row) { return row.candidate.id(); }, &valueOf, roles);
 
     if (count() != oldCount)
         emit countChanged();
@@ -75,9 +35,11 @@ int CandidateListModel::rowCount(const QModelIndex& parent) const {
 QVariant CandidateListModel::data(const QModelIndex& index, int role) const {
     if (!index.isValid() || index.row() >= rows_.size())
         return {};
-    const Row& row = rows_[index.row()];
+    return valueOf(rows_[index.row()], role);
+}
+
+QVariant CandidateListModel::valueOf(const Row& row, int role) {
     const CleanupCandidate& c = row.candidate;
-    const bool keep = row.verdict && row.verdict->recommendation == QLatin1String("keep");
     switch (role) {
     case PidRole:
         return c.id();
@@ -103,13 +65,13 @@ QVariant CandidateListModel::data(const QModelIndex& index, int role) const {
     case HasVerdictRole:
         return row.verdict.has_value();
     case IsKeepRole:
-        return keep;
+        return rules::isKeep(row.verdict);
     case StatusColorRole:
         return rules::statusColor(row.verdict);
     case RiskLabelRole:
         return row.verdict ? rules::riskLabel(row.verdict->risk, row.language) : QString();
-    case RiskColorRole:
-        return row.verdict ? rules::riskColor(row.verdict->risk) : QString();
+    case BadgeColorRole:
+        return rules::badgeColor(row.verdict);
     case ExplanationRole:
         return row.verdict ? row.verdict->explanation : QString();
     default:
@@ -133,7 +95,7 @@ QHash<int, QByteArray> CandidateListModel::roleNames() const {
         {IsKeepRole, "isKeep"},
         {StatusColorRole, "statusColor"},
         {RiskLabelRole, "riskLabel"},
-        {RiskColorRole, "riskColor"},
+        {BadgeColorRole, "badgeColor"},
         {ExplanationRole, "explanation"},
     };
 }
@@ -142,17 +104,21 @@ int CandidateListModel::cutTargetCount() const {
     return static_cast<int>(cutTargetPids().size());
 }
 
-std::optional<ProcInfo> CandidateListModel::procOf(qint64 pid) const {
-    const qsizetype at = indexOf(pid, 0);
-    if (at < 0)
-        return std::nullopt;
-    return rows_[at].candidate.proc;
+bool CandidateListModel::cutAllOffered() const {
+    return cutTargetCount() >= rules::cutAllMinimum;
 }
 
-QVariantList CandidateListModel::cutTargetPids() const {
-    QVariantList pids;
+std::optional<ProcInfo> CandidateListModel::procOf(qint64 pid) const {
     for (const Row& row : rows_)
-        if (!row.verdict || row.verdict->recommendation != QLatin1String("keep"))
+        if (row.candidate.id() == pid)
+            return row.candidate.proc;
+    return std::nullopt;
+}
+
+QList<qint64> CandidateListModel::cutTargetPids() const {
+    QList<qint64> pids;
+    for (const Row& row : rows_)
+        if (!rules::isKeep(row.verdict))
             pids.append(row.candidate.id());
     return pids;
 }

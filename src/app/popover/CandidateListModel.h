@@ -8,16 +8,18 @@
 
 namespace quelmo {
 
-// The cleanup candidates as the card shows them, one row per process. A row keeps its identity
-// (its pid) across updates: rows that stay are changed in place or moved, new ones are inserted
-// and gone ones removed, so the view's insert and remove transitions play for those alone. The
-// row texts are produced in the language given with each update.
+// The cleanup candidates as the card shows them, one row per process, with the card's answers
+// about them: which rows the advisor would keep, which ones "Cut all" takes and whether it is
+// offered. A row keeps its identity (its pid) across updates (see KeyedUpdate), so the view's
+// insert and remove transitions play for the rows that came or went alone. The row texts are
+// produced in the language given with each update.
 class CandidateListModel : public QAbstractListModel {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("made by the popover")
     Q_PROPERTY(int count READ count NOTIFY countChanged)
     Q_PROPERTY(int cutTargetCount READ cutTargetCount NOTIFY cutTargetCountChanged)
+    Q_PROPERTY(bool cutAllOffered READ cutAllOffered NOTIFY cutTargetCountChanged)
 
 public:
     enum Role {
@@ -35,7 +37,7 @@ public:
         IsKeepRole,
         StatusColorRole, // palette colour name
         RiskLabelRole,
-        RiskColorRole,
+        BadgeColorRole, // the verdict badge's palette colour: Keep's, else the risk's
         ExplanationRole,
     };
 
@@ -50,23 +52,24 @@ public:
 
     int count() const { return static_cast<int>(rows_.size()); }
     int cutTargetCount() const;
+    bool cutAllOffered() const;
     // The process of a row, for the cut.
     std::optional<ProcInfo> procOf(qint64 pid) const;
     // The processes "Cut all" takes, in list order.
-    Q_INVOKABLE QVariantList cutTargetPids() const;
+    QList<qint64> cutTargetPids() const;
 
 signals:
     void countChanged();
     void cutTargetCountChanged();
 
 private:
+    friend struct KeyedUpdate;
     struct Row {
         CleanupCandidate candidate;
         std::optional<AIVerdict> verdict;
         Language language = Language::english;
-        bool operator==(const Row&) const;
     };
-    qsizetype indexOf(qint64 pid, qsizetype from) const;
+    static QVariant valueOf(const Row& row, int role);
 
     QList<Row> rows_;
 };

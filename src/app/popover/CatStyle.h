@@ -33,7 +33,10 @@ public:
     // The line around every part of the figure.
     QColor outline() const;
     // Tabby stripes, drawn only for `cheese` (also the marks on its swatch).
+    constexpr bool striped() const { return value_ == cheese; }
     static QColor stripes();
+    // Only the grey swatch carries dots.
+    constexpr bool dotted() const { return value_ == gray; }
     // The dots on the grey swatch.
     static QColor grayMarks();
 

@@ -79,6 +79,14 @@ void CleanupFeed::setAdvisorStatus(const AIAdvisor::Status& live,
     emit advisorChanged();
 }
 
+void CleanupFeed::cutAll() {
+    const CutSequence::Identify identify = rowIdentity();
+    QList<ProcessIdentity> targets;
+    for (const qint64 pid : candidates_.cutTargetPids())
+        targets.append(identify(pid));
+    cut_.executeCut(targets, std::nullopt, {});
+}
+
 void CleanupFeed::refreshLanguage() {
     if (hub_)
         pullFromHub();

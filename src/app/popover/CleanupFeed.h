@@ -47,6 +47,9 @@ public:
 
     // Takes the interface language afresh (it is also looked at on every candidate update).
     Q_INVOKABLE void refreshLanguage();
+    // "Cut all": every row the advisor would not keep, as the rows show them now; the mascot
+    // stays in its lane.
+    Q_INVOKABLE void cutAll();
 
 signals:
     void advisorChanged();

@@ -40,9 +40,12 @@ std::optional<AIVerdict> verdictOf(const CleanupCandidate& c, const Verdicts& ve
     return *found;
 }
 
-bool isKeep(const CleanupCandidate& c, const Verdicts& verdicts) {
-    const auto verdict = verdictOf(c, verdicts);
+bool isKeep(const std::optional<AIVerdict>& verdict) {
     return verdict && verdict->recommendation == QLatin1String("keep");
+}
+
+bool isKeep(const CleanupCandidate& c, const Verdicts& verdicts) {
+    return isKeep(verdictOf(c, verdicts));
 }
 
 QList<CleanupCandidate> cutTargets(const QList<CleanupCandidate>& candidates,
@@ -57,7 +60,7 @@ QList<CleanupCandidate> cutTargets(const QList<CleanupCandidate>& candidates,
 QString statusColor(const std::optional<AIVerdict>& verdict) {
     if (!verdict)
         return QStringLiteral("gray");
-    if (verdict->recommendation == QLatin1String("keep"))
+    if (isKeep(verdict))
         return QStringLiteral("sage");
     // Only the two stated worries colour the dot; any other risk text reads as safe here.
     if (is(verdict->risk, danger) || is(verdict->risk, caution))
@@ -67,6 +70,12 @@ QString statusColor(const std::optional<AIVerdict>& verdict) {
 
 QString riskColor(const QString& risk) {
     return QString::fromLatin1(riskInfo(risk).colour);
+}
+
+QString badgeColor(const std::optional<AIVerdict>& verdict) {
+    if (isKeep(verdict))
+        return QStringLiteral("sage");
+    return riskColor(verdict ? verdict->risk : QString());
 }
 
 QString riskLabel(const QString& risk, Language language) {

@@ -21,6 +21,7 @@ using Verdicts = QHash<QString, AIVerdict>;
 // The verdict stored under the candidate's key, if any.
 std::optional<AIVerdict> verdictOf(const CleanupCandidate& c, const Verdicts& verdicts);
 // The advisor asked for this candidate to be kept.
+bool isKeep(const std::optional<AIVerdict>& verdict);
 bool isKeep(const CleanupCandidate& c, const Verdicts& verdicts);
 // The candidates a bulk cut takes, in list order: every one the advisor did not ask to keep.
 QList<CleanupCandidate> cutTargets(const QList<CleanupCandidate>& candidates,
@@ -32,6 +33,8 @@ inline constexpr qsizetype cutAllMinimum = 2;
 // look them up. A reason's colour and symbol are in its `infoOf`.
 QString statusColor(const std::optional<AIVerdict>& verdict);
 QString riskColor(const QString& risk);
+// The verdict's badge: the keep badge's colour when kept, else the risk's.
+QString badgeColor(const std::optional<AIVerdict>& verdict);
 QString riskLabel(const QString& risk, Language language);
 
 // How long ago, from whole minutes: "5m ago", "2h ago", "2h 5m ago" (or the Korean forms).

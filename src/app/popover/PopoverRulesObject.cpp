@@ -105,16 +105,16 @@ QString PopoverRulesObject::capsuleSegmentPath(double from, double to, double wi
     return svg + QLatin1Char('Z');
 }
 
-QStringList PopoverRulesObject::powerSegmentPaths(double cpu, double gpu, double ane, double dram,
-                                                  double width, double height) {
-    QStringList paths;
+QString PopoverRulesObject::powerSegmentPath(int index, double cpu, double gpu, double ane,
+                                             double dram, double width, double height) {
+    const auto shares = PopoverRules::powerShares(cpu, gpu, ane, dram);
+    if (index < 0 || index >= static_cast<int>(shares.size()))
+        return {};
     double start = 0;
-    for (double share : PopoverRules::powerShares(cpu, gpu, ane, dram)) {
-        const double end = start + share * width;
-        paths.append(capsuleSegmentPath(start, end, width, height));
-        start = end;
-    }
-    return paths;
+    for (int i = 0; i < index; ++i)
+        start += shares[static_cast<std::size_t>(i)] * width;
+    const double share = shares[static_cast<std::size_t>(index)];
+    return capsuleSegmentPath(start, start + share * width, width, height);
 }
 
 QStringList PopoverRulesObject::toggled(const QStringList& expanded, const QString& section) {
@@ -142,6 +142,14 @@ QColor PopoverRulesObject::catOutline(const QString& raw) {
 
 QColor PopoverRulesObject::catInnerEar(const QString& raw) {
     return CatStyle::forStored(raw).innerEar();
+}
+
+bool PopoverRulesObject::catStriped(const QString& raw) {
+    return CatStyle::forStored(raw).striped();
+}
+
+bool PopoverRulesObject::catDotted(const QString& raw) {
+    return CatStyle::forStored(raw).dotted();
 }
 
 QColor PopoverRulesObject::catStripes() {

@@ -41,9 +41,10 @@ public:
     Q_INVOKABLE static QString capsuleSegmentPath(double from, double to, double width,
                                                   double height);
 
-    // The four segments of the stacked power bar (CPU, GPU, Neural Engine, DRAM) as SVG paths.
-    Q_INVOKABLE static QStringList powerSegmentPaths(double cpu, double gpu, double ane,
-                                                     double dram, double width, double height);
+    // Segment `index` of the stacked power bar (0 CPU, 1 GPU, 2 Neural Engine, 3 DRAM) as an SVG
+    // path; empty for any other index.
+    Q_INVOKABLE static QString powerSegmentPath(int index, double cpu, double gpu, double ane,
+                                                double dram, double width, double height);
 
     Q_INVOKABLE static QStringList toggled(const QStringList& expanded, const QString& section);
 
@@ -52,6 +53,9 @@ public:
     Q_INVOKABLE static QColor catEyes(const QString& raw);
     Q_INVOKABLE static QColor catOutline(const QString& raw);
     Q_INVOKABLE static QColor catInnerEar(const QString& raw);
+    // Whether the style's figure and swatch carry tabby stripes, and its swatch dots.
+    Q_INVOKABLE static bool catStriped(const QString& raw);
+    Q_INVOKABLE static bool catDotted(const QString& raw);
     Q_INVOKABLE static QColor catStripes();
     Q_INVOKABLE static QColor grayMarks();
 

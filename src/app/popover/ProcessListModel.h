@@ -8,9 +8,8 @@
 
 namespace quelmo {
 
-// A list of process rows for the views, keyed by process id: a refresh updates the rows that stay
-// in place, moves the ones that changed rank and inserts or removes only the others, so a row
-// keeps its identity (and its delegate) from one second to the next.
+// A list of process rows for the views, keyed by process id (see KeyedUpdate): a row keeps its
+// identity (and its delegate) from one second to the next.
 class ProcessListModel : public QAbstractListModel {
     Q_OBJECT
     QML_ELEMENT
@@ -40,7 +39,8 @@ signals:
     void rowsChanged();
 
 private:
-    int indexOf(qint64 pid, int from) const;
+    friend struct KeyedUpdate;
+    static QVariant valueOf(const ProcInfo& row, int role);
 
     QList<ProcInfo> rows_;
 };

@@ -20,7 +20,7 @@ Item {
     required property bool isKeep
     required property string statusColor
     required property string riskLabel
-    required property string riskColor
+    required property string badgeColor
     required property string explanation
 
     // From the card.
@@ -164,7 +164,7 @@ Item {
                     Capsule {
                         id: badge
                         text: row.isKeep ? Texts.keep : row.riskLabel
-                        color: row.isKeep ? Colours.sage : Colours[row.riskColor || "peach"]
+                        color: Colours[row.badgeColor]
                     }
                     UiText {
                         width: parent.width - badge.width - 5

@@ -173,7 +173,7 @@ Item {
             }
 
             Row {
-                visible: mascot.styleRaw === "cheese"
+                visible: Rules.catStriped(mascot.styleRaw)
                 anchors.horizontalCenter: parent.horizontalCenter
                 y: 2
                 spacing: 2.5

@@ -36,7 +36,7 @@ AbstractButton {
             color: Rules.catFur(swatch.styleRaw)
         }
         Row {
-            visible: swatch.styleRaw === "gray"
+            visible: Rules.catDotted(swatch.styleRaw)
             anchors.centerIn: parent
             anchors.verticalCenterOffset: -2
             spacing: 3
@@ -46,7 +46,7 @@ AbstractButton {
             }
         }
         Row {
-            visible: swatch.styleRaw === "cheese"
+            visible: Rules.catStriped(swatch.styleRaw)
             anchors.centerIn: parent
             spacing: 2.4
             Repeater {

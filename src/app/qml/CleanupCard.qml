@@ -26,22 +26,13 @@ LiquidCard {
     // The mascot's distance below its lane, following the cut sequence on its springs.
     property real catTravelY: 0
 
-    // Where each row's middle is, and the mascot's (key -1), in the card's coordinates.
-    function rowYs() {
+    // A row's Cut: the mascot walks from the middle of its lane (key -1) to `rowY`, the middle of
+    // the row, both in the card's coordinates.
+    function cutRow(pid, rowY) {
         const ys = {}
         ys["-1"] = mascot.mapToItem(card, 0, mascot.height / 2).y
-        for (let i = 0; i < rows.count; ++i) {
-            const item = rows.itemAtIndex(i)
-            if (item)
-                ys[String(item.pid)] = item.mapToItem(card, 0, item.height / 2).y
-        }
-        return ys
-    }
-    function cutRow(pid) {
-        feed.cut.cut([pid], pid, rowYs())
-    }
-    function cutAll() {
-        feed.cut.cut(candidates.cutTargetPids(), undefined, {})
+        ys[String(pid)] = rowY
+        feed.cut.cut([pid], pid, ys)
     }
 
     objectName: "cleanupCard"
@@ -127,7 +118,7 @@ LiquidCard {
                     id: cutAllButton
 
                     objectName: "cutAllButton"
-                    visible: card.candidates.cutTargetCount >= 2
+                    visible: card.candidates.cutAllOffered
                     text: Texts.cutAll
                     leftPadding: 10
                     rightPadding: 10
@@ -139,7 +130,7 @@ LiquidCard {
                     Accessible.name: text
                     Keys.onReturnPressed: clicked()
                     Keys.onEnterPressed: clicked()
-                    onClicked: card.cutAll()
+                    onClicked: card.feed.cutAll()
 
                     contentItem: Row {
                         spacing: 4
@@ -266,7 +257,8 @@ LiquidCard {
                     else if (card.hoveredID === candidate.pid)
                         card.hoverRequested(-1)
                 }
-                onCutPressed: card.cutRow(candidate.pid)
+                onCutPressed: card.cutRow(candidate.pid,
+                                          candidate.mapToItem(card, 0, candidate.height / 2).y)
             }
             add: Transition {
                 NumberAnimation { property: "opacity"; from: 0; to: 1; duration: 250; easing.type: Easing.InOutQuad }

@@ -8,10 +8,8 @@ LiquidCard {
 
     required property PopoverReadings readings
     required property PopoverContext context
-    property var expanded: []
-
-    readonly property bool cpuExpanded: expanded.includes("cpu")
-    readonly property bool memoryExpanded: expanded.includes("memory")
+    required property bool cpuExpanded
+    required property bool memoryExpanded
 
     signal toggle(string section)
 

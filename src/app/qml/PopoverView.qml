@@ -15,7 +15,7 @@ Item {
     readonly property string lang: context.lang
 
     // Which collapsible sections are open: "cpu", "memory", "cleanup".
-    property var expanded: []
+    property list<string> expanded: []
     // The cleanup card's state (the card fills `cleanupCardSlot`).
     property bool showCriteria: false
     property int hoveredID: -1
@@ -92,7 +92,7 @@ Item {
                         id: cleanupCard
                         width: parent.width
                         feed: view.cleanup
-                        expanded: view.expanded.indexOf("cleanup") >= 0
+                        expanded: view.expanded.includes("cleanup")
                         showCriteria: view.showCriteria
                         hoveredID: view.hoveredID
                         lang: view.lang
@@ -107,7 +107,8 @@ Item {
                 MetricsSection {
                     readings: view.readings
                     context: view.context
-                    expanded: view.expanded
+                    cpuExpanded: view.expanded.includes("cpu")
+                    memoryExpanded: view.expanded.includes("memory")
                     onToggle: section => view.toggle(section)
                 }
 

@@ -15,7 +15,7 @@ Item {
     readonly property color outline: Rules.catOutline(styleRaw)
     readonly property color innerEar: Rules.catInnerEar(styleRaw)
     readonly property color eyes: Rules.catEyes(styleRaw)
-    readonly property bool tabby: styleRaw === "cheese"
+    readonly property bool tabby: Rules.catStriped(styleRaw)
 
     Accessible.ignored: true
 

@@ -13,8 +13,7 @@ Item {
     property real ane
     property real dram
 
-    readonly property var paths: Rules.powerSegmentPaths(cpu, gpu, ane, dram, width, height)
-    readonly property var colors: [Colours.blue, Colours.lav, Colours.pink, Colours.gray]
+    readonly property list<color> colors: [Colours.blue, Colours.lav, Colours.pink, Colours.gray]
 
     width: parent ? parent.width : 0
     height: 8
@@ -36,7 +35,10 @@ Item {
                 strokeWidth: -1
                 strokeColor: "transparent"
                 fillColor: bar.colors[segment.index]
-                PathSvg { path: bar.paths[segment.index] }
+                PathSvg {
+                    path: Rules.powerSegmentPath(segment.index, bar.cpu, bar.gpu, bar.ane, bar.dram,
+                                                 bar.width, bar.height)
+                }
             }
         }
     }

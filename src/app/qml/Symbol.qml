@@ -7,7 +7,7 @@ Image {
     property color color: Colours.ink
     property color gradientTo: "transparent"
     // Colours to shade left to right through instead (two or more).
-    property var gradientAcross: []
+    property list<color> gradientAcross: []
     property real size: 12
     // Pixels drawn per point: more for a symbol shown scaled up or on a dense screen.
     property real renderScale: 2

@@ -88,15 +88,11 @@ void AppDelegate::quit() {
 
 void AppDelegate::popoverWillShow() {
     metrics_.setPollProcesses(true);
-    metrics_.refreshProcesses();
 }
 
 void AppDelegate::popoverDidClose() {
     closedAtMs_ = Popover::monotonicMs();
     metrics_.setPollProcesses(false);
-    metrics_.setTopCPU({});
-    metrics_.setTopMem({});
-    metrics_.setCleanupCandidates({});
 }
 
 } // namespace quelmo

@@ -133,14 +133,21 @@ void SystemMetrics::savePending() {
 }
 
 void SystemMetrics::setPollProcesses(bool on) {
-    pollProcesses_ = on;
-    if (on)
+    if (on == pollProcesses_)
         return;
+    pollProcesses_ = on;
+    if (on) {
+        refreshProcesses();
+        return;
+    }
     // What was asked for while the popover was open no longer has anywhere to go, and the files
     // and names the reader keeps for the next reading are let go until it opens again.
     discardThrough_ = lastTicket_;
     scanWanted_ = false;
     scanner_->release();
+    publish(topCPU_, {}, &SystemMetrics::topCPUChanged);
+    publish(topMem_, {}, &SystemMetrics::topMemChanged);
+    publish(cleanupCandidates_, {}, &SystemMetrics::cleanupCandidatesChanged);
 }
 
 void SystemMetrics::refreshProcesses() {
@@ -193,14 +200,6 @@ void SystemMetrics::setSensitivity(double value) {
     publish(sensitivity_, value, &SystemMetrics::sensitivityChanged);
     baseline_.setSensitivity(value);
     SettingsFile::setValue(SettingsKeys::sensitivity, value);
-}
-
-void SystemMetrics::setTopCPU(QList<ProcInfo> rows) {
-    publish(topCPU_, std::move(rows), &SystemMetrics::topCPUChanged);
-}
-
-void SystemMetrics::setTopMem(QList<ProcInfo> rows) {
-    publish(topMem_, std::move(rows), &SystemMetrics::topMemChanged);
 }
 
 void SystemMetrics::setCleanupCandidates(QList<CleanupCandidate> candidates) {

@@ -85,12 +85,12 @@ public:
     double sensitivity() const { return sensitivity_; }
     void setSensitivity(double value);
 
-    // Emptied by the status-bar controller when the popover closes.
-    void setTopCPU(QList<ProcInfo> rows);
-    void setTopMem(QList<ProcInfo> rows);
+    // Publishes `candidates` as they are (the cleanup card's checks feed it this way).
     void setCleanupCandidates(QList<CleanupCandidate> candidates);
 
-    // Read by the rest of the program.
+    // Whether the process table is followed: switched on when the popover is about to show, which
+    // reads the table at once and then on every tick; switched off when it has closed, which
+    // drops any reading under way and empties the top lists and the candidates.
     bool pollProcesses() const { return pollProcesses_; }
     void setPollProcesses(bool on);
     // The advisor's status at its first look, which the advisor signals; before that, neither

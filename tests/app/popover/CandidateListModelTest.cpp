@@ -75,34 +75,59 @@ TEST_F(CandidateListModelTest, RowsKeepTheirIdentityAcrossUpdates) {
     EXPECT_EQ(removed.size(), 0);
     EXPECT_EQ(moved.size(), 1);
     EXPECT_EQ(reset.size(), 0);
+    clearSpies();
+
+    // A pid taken over by a process that looks the same: nothing to redraw, but a cut must ask
+    // the new one.
+    CleanupCandidate reused = candidate(10, "a");
+    reused.proc.startTime = 777;
+    model.update({candidate(40, "d"), candidate(30, "c", 200e6), reused}, {}, Language::english);
+    EXPECT_EQ(changed.size(), 0);
+    EXPECT_EQ(model.procOf(10)->startTime, 777u);
 }
 
+// The card's answers follow the verdicts: two rows to cut offer "Cut all"; once one is to be kept
+// it is no longer offered, though both rows stay. A verdict changes only the rows' verdict roles.
 TEST_F(CandidateListModelTest, CountsAndRowsFollowTheVerdicts) {
     QList<CleanupCandidate> two{candidate(1, "a"), candidate(2, "b")};
     const auto verdict = [](const char* recommendation, const char* risk) {
         return AIVerdict{QStringLiteral("A helper"), true, QString::fromUtf8(risk),
                          QString::fromLatin1(recommendation)};
     };
+    model.update(two, {}, false);
     QSignalSpy targetsChanged(&model, &CandidateListModel::cutTargetCountChanged);
+    clearSpies();
+
     model.update(two, {{"a", verdict("cut", "주의")}, {"b", verdict("cut", "안전")}},
                  Language::english);
     EXPECT_EQ(model.count(), 2);
     EXPECT_EQ(model.cutTargetCount(), 2);
+    EXPECT_TRUE(model.cutAllOffered());
+    ASSERT_EQ(changed.size(), 2);
+    const auto roles = changed[0][2].value<QList<int>>();
+    EXPECT_TRUE(roles.contains(CandidateListModel::StatusColorRole));
+    EXPECT_TRUE(roles.contains(CandidateListModel::HasVerdictRole));
+    EXPECT_FALSE(roles.contains(CandidateListModel::TitleRole));
+    EXPECT_FALSE(roles.contains(CandidateListModel::RssRole));
+    EXPECT_FALSE(roles.contains(CandidateListModel::IsKeepRole));
 
     model.update(two, {{"a", verdict("cut", "주의")}, {"b", verdict("keep", "안전")}},
                  Language::korean);
     EXPECT_EQ(model.count(), 2);
     EXPECT_EQ(model.cutTargetCount(), 1);
-    EXPECT_EQ(model.cutTargetPids(), QVariantList{1});
-    EXPECT_EQ(targetsChanged.size(), 2);
+    EXPECT_FALSE(model.cutAllOffered());
+    EXPECT_EQ(model.cutTargetPids(), QList<qint64>{1});
+    EXPECT_EQ(targetsChanged.size(), 1);
 
     const QModelIndex a = model.index(0);
     EXPECT_EQ(model.data(a, CandidateListModel::StatusColorRole), "peach");
     EXPECT_EQ(model.data(a, CandidateListModel::RiskLabelRole), "주의");
-    EXPECT_EQ(model.data(a, CandidateListModel::RiskColorRole), "peach");
+    EXPECT_EQ(model.data(a, CandidateListModel::BadgeColorRole), "peach");
     EXPECT_EQ(model.data(a, CandidateListModel::ReasonLabelRole), "장시간 과점유");
     EXPECT_FALSE(model.data(a, CandidateListModel::IsKeepRole).toBool());
-    EXPECT_TRUE(model.data(model.index(1), CandidateListModel::IsKeepRole).toBool());
+    const QModelIndex b = model.index(1);
+    EXPECT_TRUE(model.data(b, CandidateListModel::IsKeepRole).toBool());
+    EXPECT_EQ(model.data(b, CandidateListModel::BadgeColorRole), "sage");
     EXPECT_EQ(model.procOf(2)->name, "b");
     EXPECT_FALSE(model.procOf(3));
 }

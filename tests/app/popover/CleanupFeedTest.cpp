@@ -98,7 +98,6 @@ TEST(CleanupFeedTest, ACutReachesOnlyTheProcessesItsRowsShowedAtThePress) {
     platform.system = std::make_unique<test::FakeSystem>();
     platform.later = [](int, std::function<void()>) {};
     SystemMetrics hub(std::move(platform));
-    hub.setPollProcesses(true);
     CleanupFeed feed(hub);
 
     // Two memory hogs of the user, each with a window.
@@ -106,7 +105,7 @@ TEST(CleanupFeedTest, ACutReachesOnlyTheProcessesItsRowsShowedAtThePress) {
                       {102, "notes", "alice", 0, 1020, 3 * GiB}};
     signaller->running = {{101, 1010}, {102, 1020}};
     desktop->withWindows = {101, 102};
-    hub.refreshProcesses();
+    hub.setPollProcesses(true);
     ASSERT_EQ(feed.candidates()->count(), 2);
 
     feed.cut()->cut({QVariant(101), QVariant(102)}, QVariant(101),

@@ -1,3 +1,5 @@
+#include "app/popover/CleanupFeed.h"
+#include "app/popover/CleanupRules.h"
 #include "app/popover/PopoverContext.h"
 #include "app/preview/PopoverPreview.h"
 
@@ -296,6 +298,48 @@ TEST(CleanupCardRender, MixedVerdictsHoverAndCriteria) {
     // The panel opens between the banner and the mascot.
     EXPECT_LT(topOf(criteria.root(), "aiBanner"), topOf(criteria.root(), "criteriaPanel"));
     EXPECT_LT(topOf(criteria.root(), "criteriaPanel"), topOf(criteria.root(), "catMascot"));
+}
+
+// The card's two kinds of Cut reach the cut sequence with what they stand for: a row's Cut sends
+// the mascot down to that row; "Cut all" goes once fewer than two rows are to be cut, and takes
+// every row not kept.
+TEST(CleanupCardRender, RowCutWalksToItsRowAndCutAllLeavesKeptRows) {
+    QJsonObject state = cleanupState("cleanup-mixed");
+    PopoverPreview preview(PreviewState::fromJson(state));
+    ASSERT_TRUE(preview.root()) << preview.errors().toStdString();
+    preview.render();
+    QQuickItem* root = preview.root();
+    CleanupFeed& feed = preview.cleanup();
+    ASSERT_EQ(feed.candidates()->count(), 3);
+    EXPECT_TRUE(shows(root, "cutAllButton"));
+
+    QQuickItem* card = named(root, "cleanupCard");
+    QQuickItem* mascot = named(root, "catMascot");
+    QList<QQuickItem*> items;
+    collect(root, items);
+    QQuickItem* firefox = nullptr;
+    for (QQuickItem* item : items)
+        if (item->objectName() == "candidateRow" && item->property("title") == "Firefox ESR")
+            firefox = item;
+    ASSERT_TRUE(card && mascot && firefox);
+    const double rowMiddle = firefox->mapToItem(card, QPointF(0, firefox->height() / 2)).y();
+    const double laneMiddle = mascot->mapToItem(card, QPointF(0, mascot->height() / 2)).y();
+    items.clear();
+    collect(firefox, items);
+    const auto cut = std::find_if(items.begin(), items.end(), [](QQuickItem* item) {
+        return item->objectName() == "cutButton";
+    });
+    ASSERT_NE(cut, items.end());
+    QMetaObject::invokeMethod(*cut, "clicked");
+    EXPECT_NEAR(feed.cut()->catTravelY(), rowMiddle - laneMiddle - cleanup_rules::laneToRowOffset,
+                0.5);
+    QTest::qWait(CutSequence::terminateAtMs + 100);
+    ASSERT_EQ(feed.candidates()->count(), 2);
+    EXPECT_FALSE(shows(root, "cutAllButton")); // Spotify is kept: one row left to cut
+
+    QMetaObject::invokeMethod(named(root, "cutAllButton"), "clicked");
+    ASSERT_EQ(feed.candidates()->count(), 1);
+    EXPECT_EQ(feed.candidates()->data(feed.candidates()->index(0), Qt::DisplayRole), "Spotify");
 }
 
 // Texts from outside the program (process names, window titles, chip names, the model's notes)

@@ -30,25 +30,44 @@ protected:
     QAbstractItemModelTester tester{&model, QAbstractItemModelTester::FailureReportingMode::Fatal};
 };
 
+// One refresh that removes, inserts and reorders at once: every row that stays is the same row
+// (its persistent index follows it), and only the roles that changed are told as changed.
 TEST_F(ProcessListModelTest, RowsKeepTheirIdentityAcrossRefreshes) {
-    model.setRows({proc(10, "a", 50), proc(20, "b", 30), proc(30, "c", 10)});
-    const QPersistentModelIndex b(model.index(1));
+    model.setRows({proc(10, "a", 50), proc(20, "b", 30), proc(30, "c", 10), proc(40, "d", 5),
+                   proc(50, "e", 1)});
+    QList<QPersistentModelIndex> before;
+    for (int i = 0; i < model.rowCount(); ++i)
+        before.append(QPersistentModelIndex(model.index(i)));
     QSignalSpy inserted(&model, &QAbstractItemModel::rowsInserted);
     QSignalSpy removed(&model, &QAbstractItemModel::rowsRemoved);
-    QSignalSpy moved(&model, &QAbstractItemModel::rowsMoved);
     QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
+    QSignalSpy reset(&model, &QAbstractItemModel::modelReset);
 
-    // b overtakes a, c leaves, d arrives; a and b are the same rows as before.
-    model.setRows({proc(20, "b", 70), proc(10, "a", 40), proc(40, "d", 5)});
+    // c and a leave; the order of the rest turns round; f and g arrive at both ends; only e's
+    // CPU figure and d's memory change.
+    model.setRows({proc(60, "f", 9), proc(50, "e", 2), proc(40, "d", 5, 64), proc(20, "b", 30),
+                   proc(70, "g", 0)});
 
-    EXPECT_EQ(pids(model), QList<qint64>({20, 10, 40}));
-    ASSERT_TRUE(b.isValid());
-    EXPECT_EQ(b.row(), 0);
-    EXPECT_EQ(b.data(ProcessListModel::CpuRole).toDouble(), 70);
-    EXPECT_EQ(removed.count(), 1);
-    EXPECT_EQ(inserted.count(), 1);
-    EXPECT_EQ(moved.count(), 1);
-    EXPECT_EQ(changed.count(), 2);
+    EXPECT_EQ(pids(model), QList<qint64>({60, 50, 40, 20, 70}));
+    EXPECT_FALSE(before[0].isValid());
+    EXPECT_FALSE(before[2].isValid());
+    for (const int was : {1, 3, 4}) {
+        ASSERT_TRUE(before[was].isValid());
+        EXPECT_EQ(before[was].data(ProcessListModel::PidRole), (was + 1) * 10);
+    }
+    EXPECT_EQ(removed.count(), 2);
+    EXPECT_EQ(inserted.count(), 2);
+    EXPECT_EQ(reset.count(), 0);
+    QHash<qint64, QList<int>> changedRoles;
+    for (const QList<QVariant>& signal : changed) {
+        const QModelIndex row = signal[0].toModelIndex();
+        EXPECT_EQ(row, signal[1].toModelIndex());
+        changedRoles[row.data(ProcessListModel::PidRole).toLongLong()] =
+            signal[2].value<QList<int>>();
+    }
+    EXPECT_EQ(changedRoles, (QHash<qint64, QList<int>>{{50, {ProcessListModel::CpuRole}},
+                                                       {40, {ProcessListModel::RssRole}}}));
+    EXPECT_EQ(model.data(model.index(1), ProcessListModel::CpuRole).toDouble(), 2);
 }
 
 TEST_F(ProcessListModelTest, AnUnchangedRefreshTouchesNoRow) {

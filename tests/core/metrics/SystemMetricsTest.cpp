@@ -94,9 +94,9 @@ TEST(SystemMetricsTest, TicksPublishInOrderAndRatesWaitForASecondSample) {
     m.start();
     EXPECT_EQ(order, QStringList({"gpu", "mem", "ticked"}));
 
+    m.setPollProcesses(true); // reads the process table at once
     order.clear();
     fakes.now += 1;
-    m.setPollProcesses(true);
     m.update();
     EXPECT_EQ(order, QStringList({"cpu", "gpu", "mem", "power", "top", "ticked"}));
     EXPECT_DOUBLE_EQ(m.totalWatts(), 5.5);
@@ -123,10 +123,9 @@ TEST(SystemMetricsTest, CutProcessesStayHiddenForTheHoldAndLongerOnceThePopoverH
     HubOnFakes fakes;
     delete std::exchange(fakes.processes, new ListedProcesses);
     SystemMetrics& hub = fakes.build();
-    hub.refreshProcesses();
+    hub.setPollProcesses(true); // reads the table at once
     fakes.signaller->running = {{101, 1010}};
 
-    hub.setPollProcesses(true);
     EXPECT_EQ(hub.terminate({{101, 1010}, {102, 1020}}), 1); // 102 has gone
     EXPECT_EQ(fakes.signaller->signalled, QList<qint64>({101}));
     EXPECT_EQ(hub.cuttingPIDs(), QSet<qint64>({101, 102}));
@@ -171,9 +170,8 @@ TEST(SystemMetricsTest, BaselinesLearnOnlyFromFreshFiguresAndACutLeavesTheOtherR
     auto* table = new ClockedProcesses;
     delete std::exchange(fakes.processes, table);
     SystemMetrics& hub = fakes.build();
-    hub.setSensitivity(1.0); // busy for 6 observations in a row is `sustained`
-    hub.setPollProcesses(true);
-    hub.refreshProcesses(); // lifetime averages only
+    hub.setSensitivity(1.0);    // busy for 6 observations in a row is `sustained`
+    hub.setPollProcesses(true); // reads the table at once: lifetime averages only
     for (int tick = 0; tick < 6; ++tick) {
         table->advance(1.0);
         hub.refreshProcesses();
@@ -274,12 +272,11 @@ TEST(SystemMetricsTest, TablesReadOffThreadArriveInOrderAndAStaleOneKeepsACutRow
     fakes.offThread = true;
     SystemMetrics& hub = fakes.build();
     hub.setSensitivity(1.0); // 1 GiB is a memory hog
-    hub.setPollProcesses(true);
     QList<QList<qint64>> published;
     QObject::connect(&hub, &SystemMetrics::cleanupCandidatesChanged,
                      [&] { published << ids(hub.cleanupCandidates()); });
 
-    hub.refreshProcesses();
+    hub.setPollProcesses(true);
     EXPECT_TRUE(published.isEmpty()); // not read yet on this thread
     ASSERT_TRUE(spinUntil([&] { return published.size() == 1; }));
     EXPECT_EQ(published.takeFirst(), QList<qint64>({101, 100}));
@@ -296,7 +293,7 @@ TEST(SystemMetricsTest, TablesReadOffThreadArriveInOrderAndAStaleOneKeepsACutRow
     // reader lets go of what it keeps.
     hub.refreshProcesses();
     hub.setPollProcesses(false);
-    hub.setCleanupCandidates({});
+    EXPECT_EQ(published.takeLast(), QList<qint64>());
     published.clear();
     ASSERT_TRUE(spinUntil([&] { return tables->reads == 4 && tables->releases == 1; }));
     QCoreApplication::processEvents();
