@@ -388,6 +388,69 @@ TEST(TrayBusTest, AnItemTheHostDropsRegistersAgainAFewTimesThenStops) {
     }
 }
 
+// Ayatana's indicator service owns the watcher and its own name on two connections of one
+// process; its applet opens the item's menu on a left click (asking AboutToShowGroup of the root
+// first) and tells of a middle click with XAyatanaSecondaryActivate. Other hosts ask
+// AboutToShow before a right-click menu, which is no left click.
+TEST(TrayBusTest, OnAyatanasIndicatorTheMenuOpeningAndTheMiddleClickOpenThePopover) {
+    for (const bool ayatana : {true, false}) {
+        SCOPED_TRACE(ayatana);
+        PrivateBus bus;
+        ASSERT_TRUE(bus.ready());
+        DroppingWatcher watcher(0);
+        QDBusConnection desktop = bus.connect(QStringLiteral("desktop"));
+        ASSERT_TRUE(desktop.registerObject(QStringLiteral("/StatusNotifierWatcher"), &watcher,
+                                           QDBusConnection::ExportAllContents));
+        ASSERT_TRUE(desktop.registerService(QStringLiteral("org.kde.StatusNotifierWatcher")));
+        if (ayatana) {
+            ASSERT_TRUE(bus.connect(QStringLiteral("indicator"))
+                            .registerService(QStringLiteral("org.ayatana.indicator.application")));
+        }
+        QTemporaryDir icons;
+        TrayStatusItem item(bus.connect(QStringLiteral("app")), icons.path());
+        QList<StatusClick> clicks;
+        QObject::connect(&item, &StatusItem::clicked,
+                         [&](const StatusClick& click) { clicks << click; });
+        item.setTitle(QStringLiteral("23% 62%"));
+        spin(300);
+        ASSERT_EQ(watcher.items().size(), 1);
+        const QString service = watcher.items()[0];
+        QDBusConnection host = bus.connect(QStringLiteral("host"));
+        auto call = [&](const QString& path, const QString& interface, const QString& method,
+                        const QVariantList& args) {
+            QDBusMessage message = QDBusMessage::createMethodCall(service, path, interface, method);
+            message.setArguments(args);
+            const QDBusMessage reply = host.call(message, QDBus::BlockWithGui, 5000);
+            spin(250); // past the burst of the call before
+            return reply;
+        };
+        const QVariantMap properties = qdbus_cast<QVariantMap>(
+            call(itemPath, QStringLiteral("org.freedesktop.DBus.Properties"),
+                 QStringLiteral("GetAll"), {sniInterface})
+                .arguments()
+                .value(0));
+        EXPECT_EQ(properties.value(QStringLiteral("XAyatanaLabel")).toString(),
+                  ayatana ? QStringLiteral("23% 62%") : QString());
+
+        call(menuPath, menuInterface, QStringLiteral("AboutToShowGroup"),
+             {QVariant::fromValue(QList<int>{0})});
+        call(menuPath, menuInterface, QStringLiteral("AboutToShow"), {1});
+        ASSERT_EQ(clicks.size(), ayatana ? 1 : 0);
+        if (ayatana) {
+            // Told after the press, which may have closed the popover already.
+            EXPECT_TRUE(clicks[0].late);
+            EXPECT_EQ(clicks[0].button, StatusClick::Button::Left);
+        }
+        clicks.clear();
+        EXPECT_EQ(call(itemPath, sniInterface, QStringLiteral("XAyatanaSecondaryActivate"),
+                       {QVariant::fromValue(uint(1234))})
+                      .type(),
+                  QDBusMessage::ReplyMessage);
+        ASSERT_EQ(clicks.size(), 1);
+        EXPECT_FALSE(clicks[0].late);
+    }
+}
+
 } // namespace
 
 #include "TrayBusTest.moc"

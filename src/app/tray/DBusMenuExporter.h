@@ -48,7 +48,8 @@ public slots:
 
 signals:
     void triggered(int index);
-    // The host has opened the menu (its root).
+    // The host is opening the menu (its root): it sent the "opened" event or asked whether the
+    // root needs updating before showing it.
     void opened();
 
     // The protocol's signals, relayed to the bus by the adaptor.

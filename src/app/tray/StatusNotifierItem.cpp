@@ -139,6 +139,12 @@ void StatusNotifierItem::SecondaryActivate(int x, int y) {
     Activate(x, y);
 }
 
+void StatusNotifierItem::XAyatanaSecondaryActivate(uint) {
+    // Ayatana's indicator applet tells of a middle click this way, with no position.
+    if (activationGate_.admit())
+        emit activatedAtPointer();
+}
+
 void StatusNotifierItem::Scroll(int, const QString&) {
     // Scrolling over the item changes nothing.
 }

@@ -63,7 +63,8 @@ public:
     void setTitle(const QString& title);
     // For hosts that open the item's menu on a left click and never tell the item of a single
     // click (GNOME Shell's AppIndicator extension, which calls Activate only on a double
-    // click): the host opening the menu then counts as an activation.
+    // click; Ayatana's indicator applet, which never calls it): the host opening the menu then
+    // counts as an activation.
     void setMenuOpeningActivates(bool activates) { menuOpeningActivates_ = activates; }
     // Whether the item offers its title as a label beside the icon. Only hosts known to draw
     // labels get one: the mere presence of the label makes MATE's notification area draw it
@@ -93,14 +94,17 @@ public slots:
     void ContextMenu(int x, int y);
     void Activate(int x, int y);
     void SecondaryActivate(int x, int y);
+    void XAyatanaSecondaryActivate(uint timestamp);
     void Scroll(int delta, const QString& orientation);
     void ProvideXdgActivationToken(const QString& token);
 
 signals:
     // A click on the item; a null position when the host did not say where.
     void activated(QPoint position);
-    // The host opened the item's menu, where that is how it tells of a click.
+    // The host opened the item's menu, where that is how it tells of a click, or it told of a
+    // click without saying where: the pointer is the place.
     void menuOpenedAsClick();
+    void activatedAtPointer();
     void contextMenuRequested(QPoint position);
 
     // The protocol's signals, relayed to the bus by the adaptor.

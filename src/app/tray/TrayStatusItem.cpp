@@ -61,8 +61,13 @@ TrayStatusItem::TrayStatusItem(std::optional<QDBusConnection> bus, const QString
         connect(notifier_.get(), &StatusNotifierItem::activated, this, [this](QPoint at) {
             noteClick({StatusClick::Button::Left, hostClickAnchor(at)});
         });
+        // A host opening the menu tells of the click after the press has already taken the
+        // focus from an open popover: that click closed it and must not open it again.
         connect(notifier_.get(), &StatusNotifierItem::menuOpenedAsClick, this, [this] {
             noteClick({StatusClick::Button::Left, QCursor::pos(), true});
+        });
+        connect(notifier_.get(), &StatusNotifierItem::activatedAtPointer, this, [this] {
+            noteClick({StatusClick::Button::Left, QCursor::pos()});
         });
         connect(notifier_.get(), &StatusNotifierItem::contextMenuRequested, this,
                 [this](QPoint at) {
@@ -186,10 +191,11 @@ void TrayStatusItem::useStatusNotifier() {
         const bool shellHost = host == Host::GnomeShell;
         notifier_->setLabelShown(host != Host::Other);
         // GNOME Shell's extension opens the item's menu on a single left click and calls
-        // Activate only on a double click, so there the menu opening is the click. It also now
-        // and then drops an item registered by a well-known name ("Argument two may not be
-        // null") but never one registered by its object path.
-        notifier_->setMenuOpeningActivates(shellHost);
+        // Activate only on a double click, and Ayatana's indicator applet never calls it: there
+        // the menu opening is the click. The shell also now and then drops an item registered
+        // by a well-known name ("Argument two may not be null") but never one registered by
+        // its object path.
+        notifier_->setMenuOpeningActivates(host != Host::Other);
         notifier_->registerWithWatcher(shellHost, [this, asked](bool accepted) {
             if (asked != generation_)
                 return;
@@ -207,19 +213,20 @@ void TrayStatusItem::useStatusNotifier() {
 
 void TrayStatusItem::learnHost(std::function<void(Host)> answer) {
     // GNOME Shell's extension is the watcher itself, inside the shell, and so is Ayatana's
-    // indicator service: the watcher's owner also owns the shell's or the service's name.
+    // indicator service: the process that owns the watcher also owns the shell's or the
+    // service's name (the service owns them on two connections of its own).
     auto ownerOf = [this](const QString& name) {
         return bus_->asyncCall(
-            QDBusMessage::createMethodCall(
-                QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
-                QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetNameOwner"))
+            QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"),
+                                           QStringLiteral("/org/freedesktop/DBus"),
+                                           QStringLiteral("org.freedesktop.DBus"),
+                                           QStringLiteral("GetConnectionUnixProcessID"))
                 << name,
             5000);
     };
-    QDBusPendingReply<QString> watcher = ownerOf(watcherService);
-    QDBusPendingReply<QString> shell = ownerOf(QStringLiteral("org.gnome.Shell"));
-    QDBusPendingReply<QString> ayatana =
-        ownerOf(QStringLiteral("org.ayatana.indicator.application"));
+    QDBusPendingReply<uint> watcher = ownerOf(watcherService);
+    QDBusPendingReply<uint> shell = ownerOf(QStringLiteral("org.gnome.Shell"));
+    QDBusPendingReply<uint> ayatana = ownerOf(QStringLiteral("org.ayatana.indicator.application"));
     auto* all = new QDBusPendingCallWatcher(ayatana, this);
     connect(
         all, &QDBusPendingCallWatcher::finished, this,
@@ -229,7 +236,7 @@ void TrayStatusItem::learnHost(std::function<void(Host)> answer) {
             // Asked first, so answered already.
             watcher.waitForFinished();
             shell.waitForFinished();
-            auto owns = [&watcher](QDBusPendingReply<QString>& other) {
+            auto owns = [&watcher](QDBusPendingReply<uint>& other) {
                 return !watcher.isError() && !other.isError() && watcher.value() == other.value();
             };
             answer(owns(shell) ? Host::GnomeShell : owns(ayatana) ? Host::Ayatana : Host::Other);
