@@ -388,13 +388,15 @@ TEST(TrayBusTest, AnItemTheHostDropsRegistersAgainAFewTimesThenStops) {
     }
 }
 
-// Ayatana's indicator service owns the watcher and its own name on two connections of one
-// process; its applet opens the item's menu on a left click (asking AboutToShowGroup of the root
-// first) and tells of a middle click with XAyatanaSecondaryActivate. Other hosts ask
-// AboutToShow before a right-click menu, which is no left click.
-TEST(TrayBusTest, OnAyatanasIndicatorTheMenuOpeningAndTheMiddleClickOpenThePopover) {
-    for (const bool ayatana : {true, false}) {
-        SCOPED_TRACE(ayatana);
+// How the item behaves depends on who hosts it. GNOME Shell's extension is the watcher, inside
+// the shell. Ayatana's indicator service owns the watcher and its own name on two connections
+// of one process; its applet opens the item's menu on a left click (asking AboutToShowGroup of
+// the root first) and tells of a middle click with XAyatanaSecondaryActivate. Other hosts ask
+// AboutToShow before a right-click menu, which is no left click, and draw no label.
+TEST(TrayBusTest, EachKindOfHostGetsTheLabelTheIconAndTheClicksItCanUse) {
+    enum class Host { GnomeShell, Ayatana, Other };
+    for (const Host kind : {Host::GnomeShell, Host::Ayatana, Host::Other}) {
+        SCOPED_TRACE(int(kind));
         PrivateBus bus;
         ASSERT_TRUE(bus.ready());
         DroppingWatcher watcher(0);
@@ -402,10 +404,13 @@ TEST(TrayBusTest, OnAyatanasIndicatorTheMenuOpeningAndTheMiddleClickOpenThePopov
         ASSERT_TRUE(desktop.registerObject(QStringLiteral("/StatusNotifierWatcher"), &watcher,
                                            QDBusConnection::ExportAllContents));
         ASSERT_TRUE(desktop.registerService(QStringLiteral("org.kde.StatusNotifierWatcher")));
-        if (ayatana) {
+        if (kind == Host::GnomeShell) {
+            ASSERT_TRUE(desktop.registerService(QStringLiteral("org.gnome.Shell")));
+        } else if (kind == Host::Ayatana) {
             ASSERT_TRUE(bus.connect(QStringLiteral("indicator"))
                             .registerService(QStringLiteral("org.ayatana.indicator.application")));
         }
+        const bool labels = kind != Host::Other;
         QTemporaryDir icons;
         TrayStatusItem item(bus.connect(QStringLiteral("app")), icons.path());
         QList<StatusClick> clicks;
@@ -414,7 +419,7 @@ TEST(TrayBusTest, OnAyatanasIndicatorTheMenuOpeningAndTheMiddleClickOpenThePopov
         item.setTitle(QStringLiteral("23% 62%"));
         spin(300);
         ASSERT_EQ(watcher.items().size(), 1);
-        const QString service = watcher.items()[0];
+        const QString service = watcher.items()[0].section(QLatin1Char('/'), 0, 0);
         QDBusConnection host = bus.connect(QStringLiteral("host"));
         auto call = [&](const QString& path, const QString& interface, const QString& method,
                         const QVariantList& args) {
@@ -430,13 +435,18 @@ TEST(TrayBusTest, OnAyatanasIndicatorTheMenuOpeningAndTheMiddleClickOpenThePopov
                 .arguments()
                 .value(0));
         EXPECT_EQ(properties.value(QStringLiteral("XAyatanaLabel")).toString(),
-                  ayatana ? QStringLiteral("23% 62%") : QString());
+                  labels ? QStringLiteral("23% 62%") : QString());
+        const QString iconFolder = properties.value(QStringLiteral("IconThemePath")).toString();
+        const QString name = properties.value(QStringLiteral("IconName")).toString();
+        EXPECT_TRUE(QFile::exists(iconFolder + '/' + name + ".svg"));
+        EXPECT_EQ(QFile::exists(iconFolder + '/' + name + "-symbolic.svg"),
+                  kind == Host::GnomeShell);
 
         call(menuPath, menuInterface, QStringLiteral("AboutToShowGroup"),
              {QVariant::fromValue(QList<int>{0})});
         call(menuPath, menuInterface, QStringLiteral("AboutToShow"), {1});
-        ASSERT_EQ(clicks.size(), ayatana ? 1 : 0);
-        if (ayatana) {
+        ASSERT_EQ(clicks.size(), labels ? 1 : 0);
+        if (labels) {
             // Told after the press, which may have closed the popover already.
             EXPECT_TRUE(clicks[0].late);
             EXPECT_EQ(clicks[0].button, StatusClick::Button::Left);

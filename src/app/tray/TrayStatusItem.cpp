@@ -45,7 +45,7 @@ SniPixmaps fallbackPixmaps() {
 
 TrayStatusItem::TrayStatusItem(std::optional<QDBusConnection> bus, const QString& iconDirectory,
                                QObject* parent)
-    : StatusItem(parent), bus_(std::move(bus)) {
+    : StatusItem(parent), bus_(std::move(bus)), iconDirectory_(iconDirectory) {
     fallbackDelay_.setSingleShot(true);
     fallbackDelay_.setInterval(fallbackDelayMs);
     connect(&fallbackDelay_, &QTimer::timeout, this, &TrayStatusItem::fallBack);
@@ -55,8 +55,8 @@ TrayStatusItem::TrayStatusItem(std::optional<QDBusConnection> bus, const QString
 
     if (bus_ && bus_->isConnected()) {
         notifier_ = std::make_unique<StatusNotifierItem>(*bus_);
-        const bool iconWritten = scissors::exportTo(iconDirectory, iconTint());
-        notifier_->setIcon(iconWritten ? iconDirectory : QString(), fallbackPixmaps());
+        iconWritten_ = scissors::exportTo(iconDirectory_, iconTint(), false);
+        notifier_->setIcon(iconWritten_ ? iconDirectory_ : QString(), fallbackPixmaps());
         // Hosts report clicks in device pixels, and some relative to their own widget.
         connect(notifier_.get(), &StatusNotifierItem::activated, this, [this](QPoint at) {
             noteClick({StatusClick::Button::Left, hostClickAnchor(at)});
@@ -196,6 +196,10 @@ void TrayStatusItem::useStatusNotifier() {
         // by a well-known name ("Argument two may not be null") but never one registered by
         // its object path.
         notifier_->setMenuOpeningActivates(host != Host::Other);
+        // The shell draws symbolic icons in the panel's text colour and finds the twin by
+        // name; elsewhere the twin does harm (see exportTo).
+        if (iconWritten_)
+            scissors::exportTo(iconDirectory_, iconTint(), shellHost);
         notifier_->registerWithWatcher(shellHost, [this, asked](bool accepted) {
             if (asked != generation_)
                 return;
