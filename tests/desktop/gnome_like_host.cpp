@@ -190,7 +190,8 @@ public slots:
         const bool byPath = serviceOrPath.startsWith(QLatin1Char('/'));
         const QString service = byPath ? message().service() : serviceOrPath;
         const QString path = byPath ? serviceOrPath : QStringLiteral("/StatusNotifierItem");
-        const QString entry = service + path;
+        // The extension lists an item as "service@path".
+        const QString entry = service + QLatin1Char('@') + path;
         if (items_.contains(entry))
             return;
         items_ << entry;

@@ -44,7 +44,7 @@ def main():
                                  "/StatusNotifierWatcher", "--method",
                                  "org.freedesktop.DBus.Properties.Get", WATCHER,
                                  "RegisteredStatusNotifierItems"], env=bus).stdout
-            service, path = re.findall(r"'(:[^'/]+)(/[^']*)'", items)[0]
+            service, path = re.findall(r"'(:[^'/@]+)@(/[^']*)'", items)[0]
             label = session.run(["gdbus", "call", "--session", "--dest", service, "--object-path",
                                  path, "--method", "org.freedesktop.DBus.Properties.GetAll",
                                  "org.kde.StatusNotifierItem"], env=bus).stdout

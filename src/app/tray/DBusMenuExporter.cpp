@@ -146,7 +146,7 @@ QList<int> DBusMenuExporter::EventGroup(const DBusMenuEventList& events) {
 
 bool DBusMenuExporter::AboutToShow(int id) {
     if (id == 0)
-        emit opened();
+        emit aboutToShow();
     return false; // the menu never changes while it is open
 }
 
@@ -155,7 +155,7 @@ QList<int> DBusMenuExporter::AboutToShowGroup(const QList<int>& ids, QList<int>&
         if (!hasItem(id))
             idErrors.append(id);
     if (ids.contains(0))
-        emit opened();
+        emit aboutToShow();
     return {};
 }
 

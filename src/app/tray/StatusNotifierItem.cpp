@@ -31,10 +31,14 @@ StatusNotifierItem::StatusNotifierItem(QDBusConnection bus, QObject* parent)
                        .arg(QCoreApplication::applicationPid())) {
     registerDBusTypes();
     new StatusNotifierItemAdaptor(this);
-    connect(&menu_, &DBusMenuExporter::opened, this, [this] {
-        if (menuOpeningActivates_ && activationGate_.admit())
+    auto menuOpening = [this](MenuOpeningClick kind) {
+        if (menuOpeningClick_ == kind && activationGate_.admit())
             emit menuOpenedAsClick();
-    });
+    };
+    connect(&menu_, &DBusMenuExporter::opened, this,
+            [menuOpening] { menuOpening(MenuOpeningClick::OpenedEvent); });
+    connect(&menu_, &DBusMenuExporter::aboutToShow, this,
+            [menuOpening] { menuOpening(MenuOpeningClick::AboutToShow); });
     new CachedInterfaceXml(this);
     properties_ = new CachedProperties(this, this, QStringLiteral("org.kde.StatusNotifierItem"));
 }
@@ -106,9 +110,20 @@ SniToolTip StatusNotifierItem::toolTip() const {
     return {QString(), {}, title_, QString()};
 }
 
+void StatusNotifierItem::setSymbolicIcon(bool symbolic) {
+    if (symbolic == symbolicIcon_)
+        return;
+    symbolicIcon_ = symbolic;
+    properties_->invalidate();
+    emit NewIcon();
+}
+
 QString StatusNotifierItem::iconName() const {
     // Without a folder to find it in, a name would only make hosts look in vain.
-    return iconThemePath_.isEmpty() ? QString() : QString::fromLatin1(scissors::iconName);
+    if (iconThemePath_.isEmpty())
+        return {};
+    const QString name = QString::fromLatin1(scissors::iconName);
+    return symbolicIcon_ ? name + QStringLiteral("-symbolic") : name;
 }
 
 QString StatusNotifierItem::iconAccessibleDesc() const {

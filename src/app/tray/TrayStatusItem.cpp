@@ -13,6 +13,7 @@
 #include <QDBusVariant>
 #include <QGuiApplication>
 #include <QPalette>
+#include <QRegularExpression>
 #include <algorithm>
 
 namespace quelmo {
@@ -148,8 +149,9 @@ void TrayStatusItem::askWatcher(const QString& property,
 }
 
 bool TrayStatusItem::namesThisItem(const QString& entry) const {
-    // Watchers list an item as its bus name, with or without its object path.
-    const QString busName = entry.section(QLatin1Char('/'), 0, 0);
+    // Watchers list an item as its bus name, with or without its object path, which GNOME
+    // Shell's extension joins on with '@' ("':1.16@/StatusNotifierItem'").
+    const QString busName = entry.left(entry.indexOf(QRegularExpression(QStringLiteral("[/@]"))));
     return busName == bus_->baseService() || busName == notifier_->serviceName();
 }
 
@@ -190,16 +192,18 @@ void TrayStatusItem::useStatusNotifier() {
             return;
         const bool shellHost = host == Host::GnomeShell;
         notifier_->setLabelShown(host != Host::Other);
-        // GNOME Shell's extension opens the item's menu on a single left click and calls
-        // Activate only on a double click, and Ayatana's indicator applet never calls it: there
-        // the menu opening is the click. The shell also now and then drops an item registered
-        // by a well-known name ("Argument two may not be null") but never one registered by
-        // its object path.
-        notifier_->setMenuOpeningActivates(host != Host::Other);
-        // The shell draws symbolic icons in the panel's text colour and finds the twin by
-        // name; elsewhere the twin does harm (see exportTo).
-        if (iconWritten_)
-            scissors::exportTo(iconDirectory_, iconTint(), shellHost);
+        // Where the host opens the item's menu on a left click, the menu opening is the
+        // click. The shell also now and then drops an item registered by a well-known name
+        // ("Argument two may not be null") but never one registered by its object path.
+        using Opening = StatusNotifierItem::MenuOpeningClick;
+        notifier_->setMenuOpeningClick(shellHost               ? Opening::OpenedEvent
+                                       : host == Host::Ayatana ? Opening::AboutToShow
+                                                               : Opening::None);
+        // The shell draws symbolic icons in the panel's text colour; elsewhere the twin does
+        // harm (see exportTo).
+        const bool twinWritten =
+            iconWritten_ && scissors::exportTo(iconDirectory_, iconTint(), shellHost);
+        notifier_->setSymbolicIcon(shellHost && twinWritten);
         notifier_->registerWithWatcher(shellHost, [this, asked](bool accepted) {
             if (asked != generation_)
                 return;
