@@ -4,6 +4,7 @@
 #include "app/popover/PopoverPlacement.h"
 #include "app/shell/QuitSignals.h"
 #include "app/shell/SingleInstance.h"
+#include "app/tray/ScissorsIcon.h"
 #include "app/tray/StatusNotifierItem.h"
 #include "app/tray/TrayStatusItem.h"
 
@@ -14,6 +15,7 @@
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFile>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QThread>
 #include <QTimer>
@@ -344,7 +346,9 @@ class DroppingWatcher : public QObject, protected QDBusContext {
     Q_PROPERTY(bool IsStatusNotifierHostRegistered READ hostRegistered)
 
 public:
-    explicit DroppingWatcher(int drops) : drops_(drops) {}
+    // `joiner` goes between an item's bus name and its path in the list ('@' in GNOME Shell).
+    explicit DroppingWatcher(int drops, QChar joiner = QLatin1Char('/'))
+        : drops_(drops), joiner_(joiner) {}
     QStringList items() const { return items_; }
     bool hostRegistered() const { return true; }
     int registrations = 0;
@@ -352,7 +356,7 @@ public:
 public slots:
     void RegisterStatusNotifierItem(const QString& service) {
         ++registrations;
-        const QString entry = message().service() + QStringLiteral("/StatusNotifierItem");
+        const QString entry = message().service() + joiner_ + QStringLiteral("/StatusNotifierItem");
         if (registrations > drops_) {
             items_ = {service.startsWith(QLatin1Char('/')) ? entry : service};
             return;
@@ -365,6 +369,7 @@ signals:
 
 private:
     int drops_;
+    QChar joiner_;
     QStringList items_;
 };
 
@@ -385,6 +390,87 @@ TEST(TrayBusTest, AnItemTheHostDropsRegistersAgainAFewTimesThenStops) {
         if (drops == 1) {
             EXPECT_EQ(watcher.items().size(), 1);
         }
+    }
+}
+
+// How the item behaves depends on who hosts it. GNOME Shell's extension is the watcher, inside
+// the shell: it finds the icon only by the name it is given, asks AboutToShow when the item
+// arrives and sends "opened" when a click opens the menu. Ayatana's indicator service owns the
+// watcher and its own name on two connections of one process; its applet opens the item's menu
+// on a left click (asking AboutToShowGroup of the root first) and tells of a middle click with
+// XAyatanaSecondaryActivate. Other hosts ask AboutToShow before a right-click menu, which is no
+// left click, and draw no label.
+TEST(TrayBusTest, EachKindOfHostGetsTheLabelTheIconAndTheClicksItCanUse) {
+    enum class Host { GnomeShell, Ayatana, Other };
+    for (const Host kind : {Host::GnomeShell, Host::Ayatana, Host::Other}) {
+        SCOPED_TRACE(int(kind));
+        PrivateBus bus;
+        ASSERT_TRUE(bus.ready());
+        DroppingWatcher watcher(0, QLatin1Char(kind == Host::GnomeShell ? '@' : '/'));
+        QDBusConnection desktop = bus.connect(QStringLiteral("desktop"));
+        ASSERT_TRUE(desktop.registerObject(QStringLiteral("/StatusNotifierWatcher"), &watcher,
+                                           QDBusConnection::ExportAllContents));
+        ASSERT_TRUE(desktop.registerService(QStringLiteral("org.kde.StatusNotifierWatcher")));
+        if (kind == Host::GnomeShell) {
+            ASSERT_TRUE(desktop.registerService(QStringLiteral("org.gnome.Shell")));
+        } else if (kind == Host::Ayatana) {
+            ASSERT_TRUE(bus.connect(QStringLiteral("indicator"))
+                            .registerService(QStringLiteral("org.ayatana.indicator.application")));
+        }
+        const bool labels = kind != Host::Other;
+        QTemporaryDir icons;
+        TrayStatusItem item(bus.connect(QStringLiteral("app")), icons.path());
+        QList<StatusClick> clicks;
+        QObject::connect(&item, &StatusItem::clicked,
+                         [&](const StatusClick& click) { clicks << click; });
+        item.setTitle(QStringLiteral("23% 62%"));
+        spin(300);
+        ASSERT_EQ(watcher.items().size(), 1);
+        const QString service = watcher.items()[0].section(QRegularExpression("[/@]"), 0, 0);
+        QDBusConnection host = bus.connect(QStringLiteral("host"));
+        auto call = [&](const QString& path, const QString& interface, const QString& method,
+                        const QVariantList& args) {
+            QDBusMessage message = QDBusMessage::createMethodCall(service, path, interface, method);
+            message.setArguments(args);
+            const QDBusMessage reply = host.call(message, QDBus::BlockWithGui, 5000);
+            spin(250); // past the burst of the call before
+            return reply;
+        };
+        const QVariantMap properties = qdbus_cast<QVariantMap>(
+            call(itemPath, QStringLiteral("org.freedesktop.DBus.Properties"),
+                 QStringLiteral("GetAll"), {sniInterface})
+                .arguments()
+                .value(0));
+        EXPECT_EQ(properties.value(QStringLiteral("XAyatanaLabel")).toString(),
+                  labels ? QStringLiteral("23% 62%") : QString());
+        const QString iconFolder = properties.value(QStringLiteral("IconThemePath")).toString();
+        const QString name = properties.value(QStringLiteral("IconName")).toString();
+        EXPECT_EQ(name.endsWith(QLatin1String("-symbolic")), kind == Host::GnomeShell);
+        EXPECT_TRUE(QFile::exists(iconFolder + '/' + name + ".svg"));
+        EXPECT_EQ(QFile::exists(iconFolder + '/' + scissors::iconName + "-symbolic.svg"),
+                  kind == Host::GnomeShell);
+
+        call(menuPath, menuInterface, QStringLiteral("AboutToShowGroup"),
+             {QVariant::fromValue(QList<int>{0})});
+        EXPECT_EQ(clicks.size(), kind == Host::Ayatana ? 1 : 0);
+        call(menuPath, menuInterface, QStringLiteral("Event"),
+             {0, QStringLiteral("opened"), QVariant::fromValue(QDBusVariant(0)), 0u});
+        ASSERT_EQ(clicks.size(), labels ? 1 : 0);
+        if (labels) {
+            // Told after the press, which may have closed the popover already.
+            EXPECT_TRUE(clicks[0].late);
+            EXPECT_EQ(clicks[0].button, StatusClick::Button::Left);
+        }
+        clicks.clear();
+        EXPECT_EQ(call(itemPath, sniInterface, QStringLiteral("XAyatanaSecondaryActivate"),
+                       {QVariant::fromValue(uint(1234))})
+                      .type(),
+                  QDBusMessage::ReplyMessage);
+        ASSERT_EQ(clicks.size(), 1);
+        EXPECT_FALSE(clicks[0].late);
+        // Past the check that the host still lists the item: it found itself and stayed.
+        spin(600);
+        EXPECT_EQ(watcher.registrations, 1);
     }
 }
 

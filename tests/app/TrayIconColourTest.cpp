@@ -2,6 +2,8 @@
 #include "app/tray/XEmbedTrayBackground.h"
 
 #include <QPainter>
+#include <QSvgRenderer>
+#include <QTemporaryDir>
 #include <algorithm>
 #include <gtest/gtest.h>
 
@@ -29,9 +31,19 @@ TEST(TrayIconColourTest, TheIconStandsOutFromLightAndDarkPanels) {
     EXPECT_NEAR(scissors::contrastRatio(QColor("#777777"), QColor("#777777")), 1.0, 1e-9);
 
     const QColor paletteText("#303030");
-    // tint2's and Budgie's panels, a mid grey, a light panel.
-    for (const QColor panel :
-         {QColor("#000000"), QColor("#2b2b2b"), QColor("#757575"), QColor("#f0f0f0")}) {
+    // The icon hosts load by name and draw as it is (Cinnamon), at a panel's icon size.
+    const QTemporaryDir folder;
+    ASSERT_TRUE(scissors::exportTo(folder.path(), paletteText, false));
+    QSvgRenderer named(folder.path() + '/' + scissors::iconName + ".svg");
+    ASSERT_TRUE(named.isValid());
+    QImage namedIcon(22, 22, QImage::Format_ARGB32_Premultiplied);
+    namedIcon.fill(Qt::transparent);
+    QPainter painter(&namedIcon);
+    named.render(&painter);
+    painter.end();
+    // tint2's and Budgie's panels, Cinnamon's, a mid grey, a light panel.
+    for (const QColor panel : {QColor("#000000"), QColor("#2b2b2b"), QColor("#555555"),
+                               QColor("#757575"), QColor("#f0f0f0")}) {
         SCOPED_TRACE(panel.name().toStdString());
         const QColor tint = scissors::tintOn(panel, paletteText);
         EXPECT_GE(scissors::contrastRatio(tint, panel), scissors::minimumContrast);
@@ -39,6 +51,7 @@ TEST(TrayIconColourTest, TheIconStandsOutFromLightAndDarkPanels) {
         // The pixels given to hosts, whatever their panel.
         EXPECT_GE(iconContrast(scissors::renderWithRim(22, paletteText), panel),
                   scissors::minimumContrast);
+        EXPECT_GE(iconContrast(namedIcon, panel), scissors::minimumContrast);
     }
     // A colour that already stands out is kept.
     EXPECT_EQ(scissors::tintOn(QColor("#f0f0f0"), paletteText), paletteText);

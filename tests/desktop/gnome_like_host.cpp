@@ -5,7 +5,9 @@
 //   passed without a second click; without entries nothing happens; a double click calls
 //   Activate (and no menu opens);
 // - middle click: SecondaryActivate; right click: the menu opens (or closes) at once.
-// Opening the menu sends the item Event(0, "opened") and AboutToShow(0), as the extension does.
+// Opening the menu sends the item Event(0, "opened") and AboutToShow(0), as the extension does;
+// like it, the stand-in also asks AboutToShow(0) when the item arrives, and lists items as
+// "service@path".
 #include <QApplication>
 #include <QDBusAbstractAdaptor>
 #include <QDBusArgument>
@@ -87,6 +89,7 @@ public:
         waitForDoubleClick_.setSingleShot(true);
         waitForDoubleClick_.setInterval(doubleClickMs);
         connect(&waitForDoubleClick_, &QTimer::timeout, this, &ItemIcon::toggleMenu);
+        aboutToShowRoot();
         show();
     }
 
@@ -139,6 +142,14 @@ private:
         QDBusConnection::sessionBus().asyncCall(message);
     }
 
+    void aboutToShowRoot() {
+        QDBusMessage message = QDBusMessage::createMethodCall(
+            service_, menuPath_, QStringLiteral("com.canonical.dbusmenu"),
+            QStringLiteral("AboutToShow"));
+        message << 0;
+        QDBusConnection::sessionBus().asyncCall(message);
+    }
+
     void toggleMenu() {
         if (menu_ && menu_->isVisible()) {
             menu_->close();
@@ -155,11 +166,7 @@ private:
         connect(menu_, &QMenu::aboutToHide, this,
                 [this] { menuEvent(0, QStringLiteral("closed")); });
         menuEvent(0, QStringLiteral("opened"));
-        QDBusMessage aboutToShow = QDBusMessage::createMethodCall(
-            service_, menuPath_, QStringLiteral("com.canonical.dbusmenu"),
-            QStringLiteral("AboutToShow"));
-        aboutToShow << 0;
-        QDBusConnection::sessionBus().asyncCall(aboutToShow);
+        aboutToShowRoot();
         menu_->popup(mapToGlobal(QPoint(0, height())));
         std::printf("menu %s\n", qPrintable(entries.join(QLatin1Char('|'))));
         std::fflush(stdout);
@@ -190,7 +197,8 @@ public slots:
         const bool byPath = serviceOrPath.startsWith(QLatin1Char('/'));
         const QString service = byPath ? message().service() : serviceOrPath;
         const QString path = byPath ? serviceOrPath : QStringLiteral("/StatusNotifierItem");
-        const QString entry = service + path;
+        // The extension lists an item as "service@path".
+        const QString entry = service + QLatin1Char('@') + path;
         if (items_.contains(entry))
             return;
         items_ << entry;

@@ -37,14 +37,16 @@ def main():
                 running(session, [os.path.abspath(args.binary)],
                         {**bus, "QT_LOGGING_RULES": "quelmo.popover.debug=true"}) as proc:
             x, y = wait_until(lambda: host_icon(session), 30, "the item on the stand-in's panel")
-            # (The program learns what kind of host it faces right after registering.)
+            # (The program learns what kind of host it faces right after registering.) The host
+            # asks AboutToShow as the item arrives, which is no click.
             time.sleep(1)
+            expect(not popover(session), "the popover opened without a click")
             # A host that draws labels gets the title as one, with the widest title as its guide.
             items = session.run(["gdbus", "call", "--session", "--dest", WATCHER, "--object-path",
                                  "/StatusNotifierWatcher", "--method",
                                  "org.freedesktop.DBus.Properties.Get", WATCHER,
                                  "RegisteredStatusNotifierItems"], env=bus).stdout
-            service, path = re.findall(r"'(:[^'/]+)(/[^']*)'", items)[0]
+            service, path = re.findall(r"'(:[^'/@]+)@(/[^']*)'", items)[0]
             label = session.run(["gdbus", "call", "--session", "--dest", service, "--object-path",
                                  path, "--method", "org.freedesktop.DBus.Properties.GetAll",
                                  "org.kde.StatusNotifierItem"], env=bus).stdout

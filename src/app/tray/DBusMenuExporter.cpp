@@ -144,7 +144,9 @@ QList<int> DBusMenuExporter::EventGroup(const DBusMenuEventList& events) {
     return unknown;
 }
 
-bool DBusMenuExporter::AboutToShow(int) {
+bool DBusMenuExporter::AboutToShow(int id) {
+    if (id == 0)
+        emit aboutToShow();
     return false; // the menu never changes while it is open
 }
 
@@ -152,6 +154,8 @@ QList<int> DBusMenuExporter::AboutToShowGroup(const QList<int>& ids, QList<int>&
     for (const int id : ids)
         if (!hasItem(id))
             idErrors.append(id);
+    if (ids.contains(0))
+        emit aboutToShow();
     return {};
 }
 

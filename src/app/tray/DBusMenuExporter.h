@@ -50,6 +50,9 @@ signals:
     void triggered(int index);
     // The host has opened the menu (its root).
     void opened();
+    // The host asked whether the root needs updating, as hosts do before showing the menu (and
+    // GNOME Shell's extension also when the item arrives).
+    void aboutToShow();
 
     // The protocol's signals, relayed to the bus by the adaptor.
     void LayoutUpdated(uint revision, int parent);

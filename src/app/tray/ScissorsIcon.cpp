@@ -74,6 +74,25 @@ QColor standingOutFrom(const QColor& background) {
     return contrastRatio(light, background) >= contrastRatio(dark, background) ? light : dark;
 }
 
+// The icon for hosts that load it by name and draw it as it is, on a panel of a colour nobody
+// tells (Cinnamon's is dark, MATE's light): the glyph in `tint` over a rim of white or
+// near-black, drawn as wider copies of the shapes beneath it, as every SVG renderer can. The
+// view is widened by the rim so that it is not cut off at the edges.
+QByteArray rimmedSvg(const QColor& tint) {
+    const QByteArray glyph = tintedSvg(tint);
+    const qsizetype shapes = glyph.indexOf("<path"), end = glyph.lastIndexOf("</svg>");
+    if (shapes < 0 || end < shapes)
+        return glyph;
+    const QByteArray colour = standingOutFrom(tint).name(QColor::HexRgb).toLatin1();
+    QByteArray rim = glyph.mid(shapes, end - shapes);
+    rim.replace("fill=\"" + tint.name(QColor::HexRgb).toLatin1() + '"',
+                "fill=\"" + colour + "\" stroke=\"" + colour +
+                    "\" stroke-width=\"1.5\" stroke-linejoin=\"round\"");
+    QByteArray svg = glyph.left(shapes) + rim + glyph.mid(shapes);
+    svg.replace("viewBox=\"0 0 16 16\"", "viewBox=\"-0.75 -0.75 17.5 17.5\"");
+    return svg;
+}
+
 } // namespace
 
 double contrastRatio(const QColor& a, const QColor& b) {
@@ -103,7 +122,7 @@ QImage renderWithRim(int size, const QColor& tint) {
     return image;
 }
 
-bool exportTo(const QString& directory, const QColor& tint) {
+bool exportTo(const QString& directory, const QColor& tint, bool withSymbolicTwin) {
     const QByteArray symbolic = symbolicSvg();
     const QString themed = directory + QStringLiteral("/hicolor/scalable/status");
     const QString name = QString::fromLatin1(iconName);
@@ -111,11 +130,13 @@ bool exportTo(const QString& directory, const QColor& tint) {
         return false;
     bool written = true;
     for (const QString& folder : {directory, themed}) {
-        written = written &&
-                  writeIfChanged(folder + QLatin1Char('/') + name + QStringLiteral(".svg"),
-                                 tintedSvg(tint)) &&
-                  writeIfChanged(folder + QLatin1Char('/') + name + QStringLiteral("-symbolic.svg"),
-                                 symbolic);
+        const QString stem = folder + QLatin1Char('/') + name;
+        written = written && writeIfChanged(stem + QStringLiteral(".svg"), rimmedSvg(tint));
+        const QString twin = stem + QStringLiteral("-symbolic.svg");
+        if (withSymbolicTwin)
+            written = written && writeIfChanged(twin, symbolic);
+        else if (QFile::exists(twin))
+            written = written && QFile::remove(twin);
     }
     return written;
 }

@@ -12,7 +12,7 @@ namespace quelmo::scissors {
 // The name the status item gives its icon. Hosts that look a name ending in "-symbolic" up only
 // in the desktop's icon theme (Cinnamon) would find nothing, so the name has no suffix; hosts
 // that prefer symbolic icons (GNOME Shell) ask for the name with "-symbolic" appended and find
-// the recolourable twin beside it.
+// the recolourable twin beside it, where there is one.
 inline constexpr const char* iconName = QUELMO_APP_ID "-tray";
 // What screen readers announce for the item.
 inline constexpr const char* accessibleName = "Quelmo";
@@ -39,8 +39,11 @@ QColor tintOn(const QColor& background, const QColor& preferred);
 QImage renderWithRim(int size, const QColor& tint);
 
 // Writes the icon where a tray host can find it by name: loose in `directory` (GTK hosts) and
-// under hicolor/scalable/status (KDE hosts), as `iconName` drawn in `tint` and as its symbolic
-// twin, which hosts recolour with the panel's own text colour. False when it cannot be written.
-bool exportTo(const QString& directory, const QColor& tint);
+// under hicolor/scalable/status (KDE hosts), as `iconName` drawn in `tint` and, with
+// `withSymbolicTwin`, as its symbolic twin, which hosts recolour with the panel's own text
+// colour. Without it a twin written before is removed: Cinnamon's status watcher picks the twin
+// whenever it finds one and hands the applet its file, which the applet then takes for a
+// themed name and draws as nothing. False when it cannot be written.
+bool exportTo(const QString& directory, const QColor& tint, bool withSymbolicTwin);
 
 } // namespace quelmo::scissors

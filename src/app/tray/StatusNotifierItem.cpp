@@ -31,10 +31,14 @@ StatusNotifierItem::StatusNotifierItem(QDBusConnection bus, QObject* parent)
                        .arg(QCoreApplication::applicationPid())) {
     registerDBusTypes();
     new StatusNotifierItemAdaptor(this);
-    connect(&menu_, &DBusMenuExporter::opened, this, [this] {
-        if (menuOpeningActivates_ && activationGate_.admit())
+    auto menuOpening = [this](MenuOpeningClick kind) {
+        if (menuOpeningClick_ == kind && activationGate_.admit())
             emit menuOpenedAsClick();
-    });
+    };
+    connect(&menu_, &DBusMenuExporter::opened, this,
+            [menuOpening] { menuOpening(MenuOpeningClick::OpenedEvent); });
+    connect(&menu_, &DBusMenuExporter::aboutToShow, this,
+            [menuOpening] { menuOpening(MenuOpeningClick::AboutToShow); });
     new CachedInterfaceXml(this);
     properties_ = new CachedProperties(this, this, QStringLiteral("org.kde.StatusNotifierItem"));
 }
@@ -106,9 +110,20 @@ SniToolTip StatusNotifierItem::toolTip() const {
     return {QString(), {}, title_, QString()};
 }
 
+void StatusNotifierItem::setSymbolicIcon(bool symbolic) {
+    if (symbolic == symbolicIcon_)
+        return;
+    symbolicIcon_ = symbolic;
+    properties_->invalidate();
+    emit NewIcon();
+}
+
 QString StatusNotifierItem::iconName() const {
     // Without a folder to find it in, a name would only make hosts look in vain.
-    return iconThemePath_.isEmpty() ? QString() : QString::fromLatin1(scissors::iconName);
+    if (iconThemePath_.isEmpty())
+        return {};
+    const QString name = QString::fromLatin1(scissors::iconName);
+    return symbolicIcon_ ? name + QStringLiteral("-symbolic") : name;
 }
 
 QString StatusNotifierItem::iconAccessibleDesc() const {
@@ -137,6 +152,12 @@ void StatusNotifierItem::SecondaryActivate(int x, int y) {
     // A middle click; hosts that keep the left click for the menu (Ayatana's indicator applet)
     // leave it as the one way to the popover.
     Activate(x, y);
+}
+
+void StatusNotifierItem::XAyatanaSecondaryActivate(uint) {
+    // Ayatana's indicator applet tells of a middle click this way, with no position.
+    if (activationGate_.admit())
+        emit activatedAtPointer();
 }
 
 void StatusNotifierItem::Scroll(int, const QString&) {

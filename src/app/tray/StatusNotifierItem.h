@@ -62,9 +62,16 @@ public:
 
     void setTitle(const QString& title);
     // For hosts that open the item's menu on a left click and never tell the item of a single
-    // click (GNOME Shell's AppIndicator extension, which calls Activate only on a double
-    // click): the host opening the menu then counts as an activation.
-    void setMenuOpeningActivates(bool activates) { menuOpeningActivates_ = activates; }
+    // click, the host opening the menu counts as the click. GNOME Shell's extension calls
+    // Activate only on a double click and sends the menu's "opened" event (it asks AboutToShow
+    // when the item arrives, too); Ayatana's indicator applet never calls Activate and asks
+    // AboutToShow of the root each time it opens the menu.
+    enum class MenuOpeningClick { None, OpenedEvent, AboutToShow };
+    void setMenuOpeningClick(MenuOpeningClick kind) { menuOpeningClick_ = kind; }
+    // Hosts that draw symbolic icons in the panel's own text colour get the icon's symbolic
+    // twin by name (GNOME Shell's extension finds no twin on its own; Cinnamon draws a name
+    // ending in "-symbolic" as nothing, so elsewhere the name has no suffix).
+    void setSymbolicIcon(bool symbolic);
     // Whether the item offers its title as a label beside the icon. Only hosts known to draw
     // labels get one: the mere presence of the label makes MATE's notification area draw it
     // instead of the icon. The title is in the tooltip everywhere.
@@ -93,14 +100,17 @@ public slots:
     void ContextMenu(int x, int y);
     void Activate(int x, int y);
     void SecondaryActivate(int x, int y);
+    void XAyatanaSecondaryActivate(uint timestamp);
     void Scroll(int delta, const QString& orientation);
     void ProvideXdgActivationToken(const QString& token);
 
 signals:
     // A click on the item; a null position when the host did not say where.
     void activated(QPoint position);
-    // The host opened the item's menu, where that is how it tells of a click.
+    // The host opened the item's menu, where that is how it tells of a click, or it told of a
+    // click without saying where: the pointer is the place.
     void menuOpenedAsClick();
+    void activatedAtPointer();
     void contextMenuRequested(QPoint position);
 
     // The protocol's signals, relayed to the bus by the adaptor.
@@ -121,7 +131,8 @@ private:
     SniPixmaps iconPixmaps_;
     CachedProperties* properties_ = nullptr;
     bool published_ = false;
-    bool menuOpeningActivates_ = false;
+    MenuOpeningClick menuOpeningClick_ = MenuOpeningClick::None;
+    bool symbolicIcon_ = false;
     bool labelShown_ = true;
     // Bursts of calls (a double click, a host or program flooding the bus) act once.
     ActivationGate activationGate_;

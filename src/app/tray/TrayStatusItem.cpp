@@ -13,6 +13,7 @@
 #include <QDBusVariant>
 #include <QGuiApplication>
 #include <QPalette>
+#include <QRegularExpression>
 #include <algorithm>
 
 namespace quelmo {
@@ -45,7 +46,7 @@ SniPixmaps fallbackPixmaps() {
 
 TrayStatusItem::TrayStatusItem(std::optional<QDBusConnection> bus, const QString& iconDirectory,
                                QObject* parent)
-    : StatusItem(parent), bus_(std::move(bus)) {
+    : StatusItem(parent), bus_(std::move(bus)), iconDirectory_(iconDirectory) {
     fallbackDelay_.setSingleShot(true);
     fallbackDelay_.setInterval(fallbackDelayMs);
     connect(&fallbackDelay_, &QTimer::timeout, this, &TrayStatusItem::fallBack);
@@ -55,14 +56,19 @@ TrayStatusItem::TrayStatusItem(std::optional<QDBusConnection> bus, const QString
 
     if (bus_ && bus_->isConnected()) {
         notifier_ = std::make_unique<StatusNotifierItem>(*bus_);
-        const bool iconWritten = scissors::exportTo(iconDirectory, iconTint());
-        notifier_->setIcon(iconWritten ? iconDirectory : QString(), fallbackPixmaps());
+        iconWritten_ = scissors::exportTo(iconDirectory_, iconTint(), false);
+        notifier_->setIcon(iconWritten_ ? iconDirectory_ : QString(), fallbackPixmaps());
         // Hosts report clicks in device pixels, and some relative to their own widget.
         connect(notifier_.get(), &StatusNotifierItem::activated, this, [this](QPoint at) {
             noteClick({StatusClick::Button::Left, hostClickAnchor(at)});
         });
+        // A host opening the menu tells of the click after the press has already taken the
+        // focus from an open popover: that click closed it and must not open it again.
         connect(notifier_.get(), &StatusNotifierItem::menuOpenedAsClick, this, [this] {
             noteClick({StatusClick::Button::Left, QCursor::pos(), true});
+        });
+        connect(notifier_.get(), &StatusNotifierItem::activatedAtPointer, this, [this] {
+            noteClick({StatusClick::Button::Left, QCursor::pos()});
         });
         connect(notifier_.get(), &StatusNotifierItem::contextMenuRequested, this,
                 [this](QPoint at) {
@@ -143,8 +149,9 @@ void TrayStatusItem::askWatcher(const QString& property,
 }
 
 bool TrayStatusItem::namesThisItem(const QString& entry) const {
-    // Watchers list an item as its bus name, with or without its object path.
-    const QString busName = entry.section(QLatin1Char('/'), 0, 0);
+    // Watchers list an item as its bus name, with or without its object path, which GNOME
+    // Shell's extension joins on with '@' ("':1.16@/StatusNotifierItem'").
+    const QString busName = entry.left(entry.indexOf(QRegularExpression(QStringLiteral("[/@]"))));
     return busName == bus_->baseService() || busName == notifier_->serviceName();
 }
 
@@ -185,11 +192,18 @@ void TrayStatusItem::useStatusNotifier() {
             return;
         const bool shellHost = host == Host::GnomeShell;
         notifier_->setLabelShown(host != Host::Other);
-        // GNOME Shell's extension opens the item's menu on a single left click and calls
-        // Activate only on a double click, so there the menu opening is the click. It also now
-        // and then drops an item registered by a well-known name ("Argument two may not be
-        // null") but never one registered by its object path.
-        notifier_->setMenuOpeningActivates(shellHost);
+        // Where the host opens the item's menu on a left click, the menu opening is the
+        // click. The shell also now and then drops an item registered by a well-known name
+        // ("Argument two may not be null") but never one registered by its object path.
+        using Opening = StatusNotifierItem::MenuOpeningClick;
+        notifier_->setMenuOpeningClick(shellHost               ? Opening::OpenedEvent
+                                       : host == Host::Ayatana ? Opening::AboutToShow
+                                                               : Opening::None);
+        // The shell draws symbolic icons in the panel's text colour; elsewhere the twin does
+        // harm (see exportTo).
+        const bool twinWritten =
+            iconWritten_ && scissors::exportTo(iconDirectory_, iconTint(), shellHost);
+        notifier_->setSymbolicIcon(shellHost && twinWritten);
         notifier_->registerWithWatcher(shellHost, [this, asked](bool accepted) {
             if (asked != generation_)
                 return;
@@ -207,19 +221,20 @@ void TrayStatusItem::useStatusNotifier() {
 
 void TrayStatusItem::learnHost(std::function<void(Host)> answer) {
     // GNOME Shell's extension is the watcher itself, inside the shell, and so is Ayatana's
-    // indicator service: the watcher's owner also owns the shell's or the service's name.
+    // indicator service: the process that owns the watcher also owns the shell's or the
+    // service's name (the service owns them on two connections of its own).
     auto ownerOf = [this](const QString& name) {
         return bus_->asyncCall(
-            QDBusMessage::createMethodCall(
-                QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
-                QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetNameOwner"))
+            QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"),
+                                           QStringLiteral("/org/freedesktop/DBus"),
+                                           QStringLiteral("org.freedesktop.DBus"),
+                                           QStringLiteral("GetConnectionUnixProcessID"))
                 << name,
             5000);
     };
-    QDBusPendingReply<QString> watcher = ownerOf(watcherService);
-    QDBusPendingReply<QString> shell = ownerOf(QStringLiteral("org.gnome.Shell"));
-    QDBusPendingReply<QString> ayatana =
-        ownerOf(QStringLiteral("org.ayatana.indicator.application"));
+    QDBusPendingReply<uint> watcher = ownerOf(watcherService);
+    QDBusPendingReply<uint> shell = ownerOf(QStringLiteral("org.gnome.Shell"));
+    QDBusPendingReply<uint> ayatana = ownerOf(QStringLiteral("org.ayatana.indicator.application"));
     auto* all = new QDBusPendingCallWatcher(ayatana, this);
     connect(
         all, &QDBusPendingCallWatcher::finished, this,
@@ -229,7 +244,7 @@ void TrayStatusItem::learnHost(std::function<void(Host)> answer) {
             // Asked first, so answered already.
             watcher.waitForFinished();
             shell.waitForFinished();
-            auto owns = [&watcher](QDBusPendingReply<QString>& other) {
+            auto owns = [&watcher](QDBusPendingReply<uint>& other) {
                 return !watcher.isError() && !other.isError() && watcher.value() == other.value();
             };
             answer(owns(shell) ? Host::GnomeShell : owns(ayatana) ? Host::Ayatana : Host::Other);

@@ -53,6 +53,8 @@ private:
     void noteClick(StatusClick click);
 
     std::optional<QDBusConnection> bus_;
+    QString iconDirectory_;
+    bool iconWritten_ = false;
     std::unique_ptr<StatusNotifierItem> notifier_;
     std::unique_ptr<XEmbedTrayIcon> xembed_;
     QDBusServiceWatcher* watcherWatch_ = nullptr;
