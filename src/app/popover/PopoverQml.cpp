@@ -4,6 +4,7 @@
 #include "app/popover/LocalResourcesOnly.h"
 #include "app/popover/SymbolImageProvider.h"
 
+#include <QFont>
 #include <QGuiApplication>
 #include <QQmlEngine>
 

@@ -94,7 +94,7 @@ TEST_F(CandidateListModelTest, CountsAndRowsFollowTheVerdicts) {
         return AIVerdict{QStringLiteral("A helper"), true, QString::fromUtf8(risk),
                          QString::fromLatin1(recommendation)};
     };
-    model.update(two, {}, false);
+    model.update(two, {}, Language::english);
     QSignalSpy targetsChanged(&model, &CandidateListModel::cutTargetCountChanged);
     clearSpies();
 
