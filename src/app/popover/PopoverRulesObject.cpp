@@ -165,11 +165,8 @@ QString PopoverRulesObject::symbol(const QString& name, const QColor& color,
     return SymbolImageProvider::url(name, color, gradientTo);
 }
 
-QString PopoverRulesObject::symbolAcross(const QString& name, const QVariantList& colours) {
-    QList<QColor> stops;
-    for (const QVariant& colour : colours)
-        stops.append(colour.value<QColor>());
-    return SymbolImageProvider::urlAcross(name, stops);
+QString PopoverRulesObject::symbolAcross(const QString& name, const QList<QColor>& colours) {
+    return SymbolImageProvider::urlAcross(name, colours);
 }
 
 } // namespace quelmo

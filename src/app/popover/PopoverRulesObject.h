@@ -62,7 +62,7 @@ public:
     Q_INVOKABLE static QString symbol(const QString& name, const QColor& color,
                                       const QColor& gradientTo = QColor());
     // A symbol shaded left to right through `colours` (the advisor's sparkle).
-    Q_INVOKABLE static QString symbolAcross(const QString& name, const QVariantList& colours);
+    Q_INVOKABLE static QString symbolAcross(const QString& name, const QList<QColor>& colours);
 };
 
 } // namespace quelmo
