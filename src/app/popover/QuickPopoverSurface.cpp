@@ -14,11 +14,9 @@
 
 #include <QGuiApplication>
 #include <QKeyEvent>
-#include <QQmlEngine>
 #include <QQuickItem>
 #include <QScreen>
 #include <cmath>
-#include <malloc.h>
 #include <utility>
 
 namespace quelmo {
@@ -113,11 +111,6 @@ QuickPopoverSurface::QuickPopoverSurface(SystemMetrics& metrics,
     else
         connect(&w, &QWindow::activeChanged, this, [this] { focusMoved(window_->isActive()); });
 
-    // A popover closed for a while gives back its caches; reopened soon, it finds them again.
-    releaseTimer_.setSingleShot(true);
-    releaseTimer_.setInterval(releaseAfterMs);
-    connect(&releaseTimer_, &QTimer::timeout, this, &QuickPopoverSurface::releaseCaches);
-
     // sway centres the window whatever position it asks for; it is placed over sway's IPC.
     if (!qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
         compositorPlacer_ =
@@ -127,7 +120,6 @@ QuickPopoverSurface::QuickPopoverSurface(SystemMetrics& metrics,
 QuickPopoverSurface::~QuickPopoverSurface() = default;
 
 void QuickPopoverSurface::showAt(QPoint anchor) {
-    releaseTimer_.stop();
     anchor_ = anchor;
     compositorArea_.reset();
     QScreen* screen = QGuiApplication::screenAt(anchor);
@@ -227,18 +219,6 @@ void QuickPopoverSurface::hide() {
     compositorArea_.reset();
     context_->setShown(false);
     window_->hide();
-    releaseTimer_.start();
-}
-
-void QuickPopoverSurface::releaseCaches() {
-    if (window_->isVisible())
-        return;
-    window_->releaseResources();
-    QQmlEngine& engine = *window_->engine();
-    engine.trimComponentCache();
-    engine.collectGarbage();
-    // The heap's free pages go back to the system, not only to the allocator.
-    malloc_trim(0);
 }
 
 void QuickPopoverSurface::closeBy(CloseReason reason) {

@@ -4,7 +4,6 @@
 #include "app/popover/PopoverSurface.h"
 
 #include <QQuickView>
-#include <QTimer>
 #include <memory>
 #include <optional>
 
@@ -33,8 +32,6 @@ class QuickPopoverSurface : public PopoverSurface {
 
 public:
     static constexpr int width = 320;
-    // How long after closing the popover's caches are given back.
-    static constexpr int releaseAfterMs = 20000;
 
     // `loginItem` keeps the launch-at-login choice the footer switch shows.
     QuickPopoverSurface(SystemMetrics& metrics, std::unique_ptr<LoginItemService> loginItem,
@@ -56,8 +53,6 @@ private:
     // Shows the part of the window the view's content covers; places the window again when the
     // content no longer fits it.
     void fitToContent();
-    // Hands back what the closed popover's engine and renderer keep only to draw it again.
-    void releaseCaches();
 
     std::unique_ptr<Window> window_;
     std::unique_ptr<LoginItemService> loginItem_;
@@ -68,7 +63,6 @@ private:
     std::optional<QRect> compositorArea_; // the free area as the compositor tells it (logical)
     bool hadFocus_ = false;
     bool awaitingFirstFrame_ = false;
-    QTimer releaseTimer_;
     QPoint anchor_;
     PopoverFrame frame_;
 };
