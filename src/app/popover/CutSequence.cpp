@@ -16,6 +16,11 @@ CutSequence::CutSequence(Terminate terminate, Identify identify, Schedule schedu
         schedule_ = [this](int delayMs, std::function<void()> step) {
             QTimer::singleShot(delayMs, this, std::move(step));
         };
+    // Rows that come and go without a cut (a process that ended by itself) move on the spring
+    // of a cut's removal.
+    const rules::SpringParameters rows = rules::springFor(0.5, 0.85);
+    listSpring_ = rows.spring;
+    listDamping_ = rows.damping;
 }
 
 void CutSequence::executeCut(const QList<ProcessIdentity>& requested,

@@ -1,45 +1,65 @@
 #pragma once
 
-#include <QElapsedTimer>
+#include <QList>
 #include <QObject>
 #include <QTimer>
 #include <QtQml/qqmlregistration.h>
+#include <functional>
 
 namespace quelmo {
 
-// The clock of the popover's endless loops: the logo's breathing and the mascot's snipping,
-// breathing and drifting sleep marks. Qt Quick's own animations draw a frame on every refresh of
-// the screen; these loops are slow and small, so they step from one coarse timer at 15 frames a
-// second instead, all on the same tick, and the popover is drawn 15 times a second rather than
-// 60. The views read each loop's position from `elapsed` (see PopoverRules::loopPhase).
+class Loop;
+
+// The clock of the popover's endless loops (Loop): the logo's breathing and the mascot's
+// snipping, breathing and drifting sleep marks. It does not tick: it wakes when a loop's next
+// visible step is due, moves every loop to where it is then, and sleeps until the next such
+// moment. Slow loops may take their steps a little late (Loop::slackMs), on the frames that a
+// faster loop draws anyway; wake-ups fall on a grid of `frameMs`, so the loops never have the
+// popover drawn more than 1000 / frameMs times a second. Stopped (the popover hidden) it does
+// not wake at all, and its time stands still, so the loops go on where they were.
 class LoopClock : public QObject {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("made by the popover")
-    // Milliseconds the loops have run, counted only while running.
-    Q_PROPERTY(int elapsed READ elapsed NOTIFY elapsedChanged)
     Q_PROPERTY(bool running READ running WRITE setRunning NOTIFY runningChanged)
 
 public:
-    static constexpr int stepMs = 66;
+    static constexpr int frameMs = 50;
+    // Milliseconds of a monotonic clock.
+    using Now = std::function<qint64()>;
 
     explicit LoopClock(QObject* parent = nullptr);
+    explicit LoopClock(Now now, QObject* parent = nullptr);
+    ~LoopClock() override;
 
-    int elapsed() const { return elapsed_; }
-    bool running() const { return timer_.isActive(); }
+    bool running() const { return running_; }
     void setRunning(bool running);
+    // Milliseconds the loops have run, counted only while running.
+    qint64 elapsedMs() const;
+    // When (in elapsedMs) it wakes next; -1 while nothing will move.
+    qint64 nextWakeMs() const { return nextWakeMs_; }
+
+    // Moves the loops to the present and sleeps until the next change (what its timer calls).
+    void step();
+
+    // For Loop: a loop joins, leaves, or changes how it runs.
+    void add(Loop* loop);
+    void remove(Loop* loop);
+    void loopChanged(Loop* loop);
 
 signals:
-    void elapsedChanged();
     void runningChanged();
 
 private:
-    void step();
+    void schedule();
 
+    Now now_;
     QTimer timer_;
-    QElapsedTimer sinceStart_;
-    int elapsedAtStart_ = 0;
-    int elapsed_ = 0;
+    QList<Loop*> loops_;
+    bool running_ = false;
+    qint64 startedAt_ = 0;
+    qint64 elapsedAtStart_ = 0;
+    qint64 nextWakeMs_ = -1;
 };
 
 } // namespace quelmo

@@ -166,6 +166,32 @@ int MascotBehavior::motionMs() const {
     return 0;
 }
 
+double MascotBehavior::motionResponse() const {
+    switch (motion_) {
+    case Motion::wander:
+        return 0.5;
+    case Motion::lookUp:
+        return 0.45;
+    case Motion::wake:
+    case Motion::aim:
+        break;
+    }
+    return 0;
+}
+
+double MascotBehavior::motionDamping() const {
+    switch (motion_) {
+    case Motion::wander:
+        return 0.62;
+    case Motion::lookUp:
+        return 0.6;
+    case Motion::wake:
+    case Motion::aim:
+        break;
+    }
+    return 1;
+}
+
 void MascotBehavior::setMotion(Motion motion) {
     if (motion == motion_)
         return;

@@ -30,10 +30,12 @@ class MascotBehavior : public QObject {
     Q_PROPERTY(bool bladeClose READ bladeClose NOTIFY bladeCloseChanged)
     Q_PROPERTY(bool blink READ blink NOTIFY blinkChanged)
     Q_PROPERTY(Motion motion READ motion NOTIFY motionChanged)
-    // How long the animation of the last pose change runs, and whether it is a spring (one that
-    // overshoots a little) rather than an ease in-out.
+    // How the last pose change moves: on a spring of `motionResponse` seconds and
+    // `motionDamping` (its damping fraction), or, with no response, eased in and out over
+    // `motionMs`.
     Q_PROPERTY(int motionMs READ motionMs NOTIFY motionChanged)
-    Q_PROPERTY(bool motionSpring READ motionSpring NOTIFY motionChanged)
+    Q_PROPERTY(double motionResponse READ motionResponse NOTIFY motionChanged)
+    Q_PROPERTY(double motionDamping READ motionDamping NOTIFY motionChanged)
 
 public:
     // wander: spring (response 0.5 s, damping 0.62); wake: ease in-out 0.6 s; aim: ease in-out
@@ -82,7 +84,8 @@ public:
     bool blink() const { return blink_; }
     Motion motion() const { return motion_; }
     int motionMs() const;
-    bool motionSpring() const { return motion_ == Motion::wander || motion_ == Motion::lookUp; }
+    double motionResponse() const;
+    double motionDamping() const;
 
     // True while the repeating timers are scheduled.
     bool timersRunning() const { return behaviorToken_ != 0 || blinkToken_ != 0; }

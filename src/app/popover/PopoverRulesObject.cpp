@@ -29,10 +29,6 @@ QString PopoverRulesObject::watts(double value, int decimals) {
     return PopoverRules::fixed(value, decimals) + QStringLiteral(" W");
 }
 
-double PopoverRulesObject::loopPhase(double elapsedMs, double halfPeriodMs) {
-    return PopoverRules::loopPhase(elapsedMs, halfPeriodMs);
-}
-
 double PopoverRulesObject::popoverHeight(double contentHeight, double maxHeight) {
     return PopoverRules::popoverHeight(contentHeight, maxHeight);
 }

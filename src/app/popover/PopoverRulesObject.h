@@ -20,7 +20,6 @@ public:
     using QObject::QObject;
 
     Q_INVOKABLE static QString pct(double fraction);
-    Q_INVOKABLE static double loopPhase(double elapsedMs, double halfPeriodMs);
     Q_INVOKABLE static QString mem(double bytes);
     Q_INVOKABLE static QString memDetail(double usedBytes, double totalBytes);
     Q_INVOKABLE static QString fixed(double value, int decimals);

@@ -25,13 +25,30 @@ Item {
 
     // The clock of the three endless loops; without one the figure stands still.
     property LoopClock loops: null
-    // The loops, 0 to 1 and back: scissors (0.3 s each way), breathing (1.8 s), sleep marks
-    // (1.6 s, only while asleep).
-    readonly property bool looping: loops !== null && mind.active
-    readonly property real snipPhase: looping ? Rules.loopPhase(loops.elapsed, 300) : 0
-    readonly property real breathePhase: looping ? Rules.loopPhase(loops.elapsed, 1800) : 0
-    readonly property real zzzPhase: looping && !mind.awake ? Rules.loopPhase(loops.elapsed, 1600)
-                                                            : 0
+    // The loops, 0 to 1 and back, each in half-pixel steps of what it moves: scissors (0.3 s
+    // each way; 6 degrees at the blades' tips, 13 px out), breathing (1.8 s; 3 % of the 64 px
+    // figure), sleep marks (1.6 s, 4 px, only while asleep).
+    readonly property Loop snipLoop: Loop {
+        clock: mascot.loops
+        running: mind.active
+        halfPeriodMs: 300
+        travel: 1.4
+    }
+    readonly property Loop breatheLoop: Loop {
+        clock: mascot.loops
+        running: mind.active
+        halfPeriodMs: 1800
+        travel: 1.9
+    }
+    readonly property Loop zzzLoop: Loop {
+        clock: mascot.loops
+        running: mind.active && !mind.awake
+        halfPeriodMs: 1600
+        travel: 4
+    }
+    readonly property real snipPhase: snipLoop.phase
+    readonly property real breathePhase: breatheLoop.phase
+    readonly property real zzzPhase: zzzLoop.phase
 
     objectName: "catMascot"
     implicitWidth: 200
@@ -53,9 +70,8 @@ Item {
         width: 64
         height: 64
         x: (mascot.width - width) / 2 + wander
-        // Lowered by 2 while resting (animated); the cut's travel follows its own springs.
-        property real restDrop: mind.resting ? 2 : 0
-        y: mascot.travelY + restDrop
+        // Lowered by 2 while resting; the cut's travel follows its own springs.
+        y: mascot.travelY + 2 * restGlide.value
         transform: [
             Scale {
                 origin.x: 32
@@ -69,22 +85,38 @@ Item {
             }
         ]
 
-        // Wandering and the head's turns step with the loops' clock.
-        readonly property ClockGlide wanderGlide: ClockGlide {
-            loops: mascot.loops
+        // The pose moves as its latest change asks, on a spring or eased (see MascotBehavior),
+        // at the display's frame rate while it moves.
+        readonly property Glide wanderGlide: Glide {
+            animated: mind.active
+            response: mind.motionResponse
+            dampingFraction: mind.motionDamping
+            durationMs: mind.motionMs
             target: mind.lookDown ? 0 : mind.x
-            duration: mind.motionMs
-            overshoot: mind.motionSpring
         }
-        readonly property ClockGlide lookGlide: ClockGlide {
-            loops: mascot.loops
+        readonly property Glide lookGlide: Glide {
+            animated: mind.active
+            response: mind.motionResponse
+            dampingFraction: mind.motionDamping
+            durationMs: mind.motionMs
+            epsilon: 0.05
             target: mind.look
-            duration: mind.motionMs
-            overshoot: mind.motionSpring
         }
-
-        Behavior on restDrop {
-            NumberAnimation { duration: mind.motionMs; easing.type: Easing.InOutQuad }
+        readonly property Glide restGlide: Glide {
+            animated: mind.active
+            response: mind.motionResponse
+            dampingFraction: mind.motionDamping
+            durationMs: mind.motionMs
+            epsilon: 0.05
+            target: mind.resting ? 1 : 0
+        }
+        readonly property Glide lookDownGlide: Glide {
+            animated: mind.active
+            response: mind.motionResponse
+            dampingFraction: mind.motionDamping
+            durationMs: mind.motionMs
+            epsilon: 0.05
+            target: mind.lookDown ? 1 : 0
         }
 
         // Body
@@ -129,14 +161,7 @@ Item {
             width: 40
             height: 30
             x: 12 + figure.lookGlide.value * 3
-            y: 10 + (mind.lookDown ? 3 : 0)
-
-            Behavior on y {
-                NumberAnimation {
-                    duration: mind.motionMs
-                    easing.type: mind.motionSpring ? Easing.OutBack : Easing.InOutQuad
-                }
-            }
+            y: 10 + 3 * figure.lookDownGlide.value
 
             Repeater {
                 model: [{ x: 2, mirrored: false }, { x: 23, mirrored: true }]
@@ -192,7 +217,7 @@ Item {
 
             Row {
                 x: 10 + figure.lookGlide.value * 1.5
-                y: 12 + (mind.lookDown ? 2 : 0)
+                y: 12 + 2 * figure.lookDownGlide.value
                 spacing: 10
                 Repeater {
                     model: 2

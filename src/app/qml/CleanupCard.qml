@@ -267,16 +267,16 @@ LiquidCard {
                 SpringAnimation {
                     property: "leaving"
                     to: 1
-                    spring: card.feed.cut.listSpring || 2.5
-                    damping: card.feed.cut.listDamping || 0.34
+                    spring: card.feed.cut.listSpring
+                    damping: card.feed.cut.listDamping
                     epsilon: 0.02
                 }
             }
             displaced: Transition {
                 SpringAnimation {
                     property: "y"
-                    spring: card.feed.cut.listSpring || 2.5
-                    damping: card.feed.cut.listDamping || 0.34
+                    spring: card.feed.cut.listSpring
+                    damping: card.feed.cut.listDamping
                     epsilon: 0.5
                 }
             }
