@@ -7,7 +7,8 @@
 // - middle click: SecondaryActivate; right click: the menu opens (or closes) at once.
 // Opening the menu sends the item Event(0, "opened") and AboutToShow(0), as the extension does;
 // like it, the stand-in also asks AboutToShow(0) when the item arrives, and lists items as
-// "service@path".
+// "service@path". With --drop-first N it drops each of the first N items a second after it
+// came, as the shell does when it fails to set up its proxy for an item.
 #include <QApplication>
 #include <QDBusAbstractAdaptor>
 #include <QDBusArgument>
@@ -188,6 +189,8 @@ class Watcher : public QObject, protected QDBusContext {
     Q_PROPERTY(int ProtocolVersion READ protocolVersion)
 
 public:
+    explicit Watcher(int dropFirst) : dropsLeft_(dropFirst) {}
+
     QStringList items() const { return items_; }
     bool hostRegistered() const { return true; }
     int protocolVersion() const { return 0; }
@@ -207,12 +210,20 @@ public slots:
                                               QDBusServiceWatcher::WatchForUnregistration, this);
         QTimer::singleShot(0, this, [this, service, path, entry, owner] {
             auto* icon = new ItemIcon(service, path, int(items_.size()) - 1);
-            connect(owner, &QDBusServiceWatcher::serviceUnregistered, this, [this, entry, icon] {
+            auto drop = [this, entry, icon, owner] {
                 items_.removeAll(entry);
                 icon->deleteLater();
+                owner->deleteLater();
                 emit StatusNotifierItemUnregistered(entry);
-            });
+            };
+            connect(owner, &QDBusServiceWatcher::serviceUnregistered, this, drop);
             emit StatusNotifierItemRegistered(entry);
+            if (dropsLeft_ > 0) {
+                --dropsLeft_;
+                QTimer::singleShot(1000, icon, drop);
+                std::printf("dropping %s\n", qPrintable(entry));
+                std::fflush(stdout);
+            }
         });
         std::printf("registered %s\n", qPrintable(entry));
         std::fflush(stdout);
@@ -226,13 +237,16 @@ signals:
 
 private:
     QStringList items_;
+    int dropsLeft_;
 };
 
 } // namespace
 
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
-    Watcher watcher;
+    const QStringList arguments = QApplication::arguments();
+    const qsizetype drop = arguments.indexOf(QStringLiteral("--drop-first"));
+    Watcher watcher(drop > 0 ? arguments.value(drop + 1).toInt() : 0);
     QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.registerObject(QStringLiteral("/StatusNotifierWatcher"), &watcher,
                             QDBusConnection::ExportAllContents) ||

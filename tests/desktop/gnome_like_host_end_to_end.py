@@ -24,6 +24,12 @@ def host_icon(session):
     return next(((x + w // 2, y + h // 2) for x, y, w, h in filter(None, geometries)), None)
 
 
+def listed_items(session, bus):
+    return session.run(["gdbus", "call", "--session", "--dest", WATCHER, "--object-path",
+                        "/StatusNotifierWatcher", "--method", "org.freedesktop.DBus.Properties.Get",
+                        WATCHER, "RegisteredStatusNotifierItems"], env=bus).stdout
+
+
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--binary", required=True)
@@ -42,10 +48,7 @@ def main():
             time.sleep(1)
             expect(not popover(session), "the popover opened without a click")
             # A host that draws labels gets the title as one, with the widest title as its guide.
-            items = session.run(["gdbus", "call", "--session", "--dest", WATCHER, "--object-path",
-                                 "/StatusNotifierWatcher", "--method",
-                                 "org.freedesktop.DBus.Properties.Get", WATCHER,
-                                 "RegisteredStatusNotifierItems"], env=bus).stdout
+            items = listed_items(session, bus)
             service, path = re.findall(r"'(:[^'/@]+)@(/[^']*)'", items)[0]
             label = session.run(["gdbus", "call", "--session", "--dest", service, "--object-path",
                                  path, "--method", "org.freedesktop.DBus.Properties.GetAll",
@@ -75,7 +78,32 @@ def main():
             expect(not popover(session), "the popover opened again after the closing click")
             expect(proc.poll() is None, "the program ended")
     print("ok: one click opened the popover")
+    dropped_item_falls_back(args)
+    print("ok: an item the host kept dropping came back and opens on a click")
     return 0
+
+
+def dropped_item_falls_back(args):
+    # A host that drops the item again and again (as the shell did for items it failed to set
+    # up): the program registers anew a few times, then shows its fallback icon, which Qt hands
+    # to the same host; that one stays, and a click on it opens the popover.
+    with DesktopSession() as session:
+        bus = {"DBUS_SESSION_BUS_ADDRESS": session.new_bus()}
+        with running(session, [args.host, "--drop-first", "6"], bus), \
+                running(session, [os.path.abspath(args.binary)], bus) as proc:
+            def listed():
+                return re.findall(r"'([^']*)'", listed_items(session, bus))
+            first = wait_until(listed, 30, "the item")[0]
+            # The fallback icon comes from a connection of its own, so it is listed apart.
+            wait_until(lambda: [e for e in listed() if e != first], 90, "the fallback item")
+            time.sleep(1.5)  # it stays: the host drops only the first few
+            expect(len(listed()) == 1 and first not in listed(), f"listed: {listed()}")
+            x, y = wait_until(lambda: host_icon(session), 10, "the kept item's icon")
+            # Without menu entries the host calls Activate on a double click only.
+            session.run(["xdotool", "mousemove", str(x), str(y), "click", "--repeat", "2",
+                         "--delay", "120", "1"])
+            wait_popover(session, True)
+            expect(proc.poll() is None, "the program ended")
 
 
 if __name__ == "__main__":

@@ -37,6 +37,17 @@ XEmbedTrayIcon::XEmbedTrayIcon(QObject* parent) : QObject(parent) {
     // Qt reports a press on the icon; the popover opens on release, as hosts of
     // StatusNotifierItems do it, so the clicks are taken from the icon's window (eventFilter).
     qApp->installEventFilter(this);
+    // Where a StatusNotifierItem host runs, Qt shows the icon through that host instead and
+    // draws no window of its own: the host's clicks then come as activations.
+    connect(&icon_, &QSystemTrayIcon::activated, this,
+            [this](QSystemTrayIcon::ActivationReason why) {
+                if (iconWindow())
+                    return; // the window's own clicks are taken on release (eventFilter)
+                if (why == QSystemTrayIcon::Trigger || why == QSystemTrayIcon::DoubleClick)
+                    emit clicked({StatusClick::Button::Left, QCursor::pos()});
+                else if (why == QSystemTrayIcon::Context)
+                    emit clicked({StatusClick::Button::Right, QCursor::pos()});
+            });
     icon_.show();
     retintsLeft_ = retints;
     retintLater_.setInterval(retintIntervalMs);
