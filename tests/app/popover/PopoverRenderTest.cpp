@@ -20,7 +20,7 @@
 namespace quelmo {
 namespace {
 
-// The design's example machine: 12 of 16 GB in use, a little power, a few busy processes.
+// The example machine: 12 of 16 GB in use, a little power, a few busy processes.
 QJsonObject exampleState(const QString& lang, const QString& style,
                          const QJsonArray& expanded = {}) {
     return QJsonObject{
