@@ -85,26 +85,37 @@ TEST(PopoverTest, AClickRightAfterAFocusLossCloseIsPartOfThatGestureAndLeavesItC
     EXPECT_EQ(closes, 3);
 }
 
-TEST(AppDelegateTest, OpeningPollsAndRefreshesBeforeTheWindowShows) {
+TEST(AppDelegateTest, OpeningPollsOnceTheWindowHasDrawnItsFirstFrame) {
     Shell shell;
     EXPECT_FALSE(shell.metrics().pollProcesses());
     EXPECT_EQ(shell.surface, nullptr); // no window (nor QML engine) until the first open
-    std::string atShow;                // what the window would see as it appears
-    shell.onShow = [&] {
-        atShow = QStringLiteral("polling %1, snapshots %2, top %3")
-                     .arg(shell.metrics().pollProcesses() ? "on" : "off")
-                     .arg(shell.processes->snapshots)
-                     .arg(shell.metrics().topCPU().size())
-                     .toStdString();
+    auto seen = [&] {
+        return QStringLiteral("polling %1, snapshots %2, top %3")
+            .arg(shell.metrics().pollProcesses() ? "on" : "off")
+            .arg(shell.processes->snapshots)
+            .arg(shell.metrics().topCPU().size())
+            .toStdString();
     };
+    std::string atShow; // what the window would see as it appears
+    shell.onShow = [&] { atShow = seen(); };
     shell.click(StatusClick::Button::Left);
     EXPECT_TRUE(shell.delegate->popover().isShown());
-    EXPECT_EQ(atShow, "polling on, snapshots 1, top 2");
+    EXPECT_EQ(atShow, "polling off, snapshots 0, top 0");
+    emit shell.surface->firstFrameShown();
+    EXPECT_EQ(seen(), "polling on, snapshots 1, top 2");
+
+    // Closed before its first frame: a frame drawn as it goes does not start polling.
+    emit shell.surface->closedByUser(Reason::Escape);
+    shell.click(StatusClick::Button::Left);
+    emit shell.surface->closedByUser(Reason::Escape);
+    emit shell.surface->firstFrameShown();
+    EXPECT_EQ(seen(), "polling off, snapshots 1, top 0");
 }
 
 TEST(AppDelegateTest, ClosingStopsPollingThenEmptiesTheListsInOrder) {
     Shell shell;
     shell.click(StatusClick::Button::Left);
+    emit shell.surface->firstFrameShown();
     auto& m = shell.metrics();
     ASSERT_FALSE(m.topCPU().isEmpty());
 

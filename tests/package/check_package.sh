@@ -53,7 +53,7 @@ done
 depends=$(dpkg-deb -f "$deb" Depends)
 echo "Depends: $depends"
 for package in libqt6quick6 libqt6dbus6 libxcb1 qt6-qpa-plugins qml6-module-qtquick \
-  qml6-module-qtquick-controls fonts-noto-cjk; do
+  qml6-module-qtquick-templates fonts-noto-cjk; do
   [[ ", $depends," == *", $package"[\ ,]* ]] || fail "Depends lacks $package"
 done
 [[ $depends == *gtest* || $depends == *benchmark* || $depends == *-dev* ]] && fail "Depends names build or test packages"

@@ -46,6 +46,8 @@ public:
 
 signals:
     void willShow();
+    // The window has drawn its first frame since it was shown.
+    void firstFrameShown();
     void didClose();
     // Quit, chosen inside the popover.
     void quitRequested();

@@ -1,16 +1,20 @@
 import Quelmo
 import QtQuick
-import QtQuick.Controls.Basic
+import QtQuick.Templates as T
 
 // The advisor's banner: who judges the rows (or that the notes are off), with a chevron that
 // opens the panel explaining how candidates are picked.
-AbstractButton {
+T.AbstractButton {
     id: banner
 
     required property CleanupFeed feed
     property bool showCriteria: false
 
     objectName: "aiBanner"
+    implicitWidth: Math.max(implicitBackgroundWidth + leftInset + rightInset,
+                            implicitContentWidth + leftPadding + rightPadding)
+    implicitHeight: Math.max(implicitBackgroundHeight + topInset + bottomInset,
+                             implicitContentHeight + topPadding + bottomPadding)
     width: parent ? parent.width : 0
     leftPadding: 9
     rightPadding: 9

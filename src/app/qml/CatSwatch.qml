@@ -1,10 +1,10 @@
 import Quelmo
 import QtQuick
-import QtQuick.Controls.Basic
+import QtQuick.Templates as T
 
 // One cat style as a small fur-coloured circle with the style's markings; a ring shows the
 // chosen one. The style's name is its tooltip.
-AbstractButton {
+T.AbstractButton {
     id: swatch
 
     property string styleRaw: "white"

@@ -1,7 +1,7 @@
 pragma ComponentBehavior: Bound
 import Quelmo
 import QtQuick
-import QtQuick.Controls.Basic
+import QtQuick.Templates as T
 
 // The cleanup card: the header with the count and "Cut all", the advisor's banner and criteria,
 // the mascot above the cut line, one row per candidate, the sensitivity slider and the advisor's
@@ -64,7 +64,7 @@ LiquidCard {
     }
 
     // The header: the whole row opens and closes the card.
-    AbstractButton {
+    T.AbstractButton {
         id: header
 
         objectName: "cleanupHeader"
@@ -114,10 +114,14 @@ LiquidCard {
                 anchors.right: parent.right
                 anchors.verticalCenter: parent.verticalCenter
                 spacing: 6
-                AbstractButton {
+                T.AbstractButton {
                     id: cutAllButton
 
                     objectName: "cutAllButton"
+                    implicitWidth: Math.max(implicitBackgroundWidth + leftInset + rightInset,
+                                            implicitContentWidth + leftPadding + rightPadding)
+                    implicitHeight: Math.max(implicitBackgroundHeight + topInset + bottomInset,
+                                             implicitContentHeight + topPadding + bottomPadding)
                     visible: card.candidates.cutAllOffered
                     text: Texts.cutAll
                     leftPadding: 10

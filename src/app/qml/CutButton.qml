@@ -1,10 +1,10 @@
 import Quelmo
 import QtQuick
-import QtQuick.Controls.Basic
+import QtQuick.Templates as T
 
 // A row's Cut: white scissors and "Cut" on a rose capsule, grey when the advisor would keep the
 // process (it still cuts; only the colour and the tooltip warn).
-AbstractButton {
+T.AbstractButton {
     id: button
 
     property bool keep: false
@@ -13,6 +13,10 @@ AbstractButton {
     property string rowName
 
     objectName: "cutButton"
+    implicitWidth: Math.max(implicitBackgroundWidth + leftInset + rightInset,
+                            implicitContentWidth + leftPadding + rightPadding)
+    implicitHeight: Math.max(implicitBackgroundHeight + topInset + bottomInset,
+                             implicitContentHeight + topPadding + bottomPadding)
     text: Texts.cut
     leftPadding: 9
     rightPadding: 9

@@ -1,10 +1,10 @@
 pragma ComponentBehavior: Bound
 import Quelmo
 import QtQuick
-import QtQuick.Controls.Basic
+import QtQuick.Templates as T
 
 // The language menu: System, 한국어, English. Choosing one stores it at once.
-ComboBox {
+T.ComboBox {
     id: picker
 
     required property PopoverContext context
@@ -43,12 +43,14 @@ ComboBox {
         border.width: picker.visualFocus ? 1 : 0
         border.color: Colours.blue
     }
-    delegate: ItemDelegate {
+    delegate: T.ItemDelegate {
         id: choice
         required property int index
         required property string modelData
         width: Math.max(picker.width, 96)
         height: 24
+        padding: 12
+        spacing: 8
         highlighted: picker.highlightedIndex === index
         text: Texts.languageChoices[index] ?? ""
         font.pixelSize: 11
@@ -63,6 +65,31 @@ ComboBox {
         background: Rectangle {
             color: choice.highlighted ? Colours.faded(Colours.blue, 0.2) : "transparent"
             radius: 4
+        }
+    }
+    popup: T.Popup {
+        y: picker.height
+        width: picker.width
+        height: Math.min(contentItem.implicitHeight, picker.Window.height - topMargin - bottomMargin)
+        topMargin: 6
+        bottomMargin: 6
+        contentItem: ListView {
+            clip: true
+            implicitHeight: contentHeight
+            model: picker.delegateModel
+            currentIndex: picker.highlightedIndex
+            highlightMoveDuration: 0
+            // The frame, above the rows.
+            Rectangle {
+                z: 10
+                width: parent.width
+                height: parent.height
+                color: "transparent"
+                border.color: "#bdbdbd"
+            }
+        }
+        background: Rectangle {
+            color: "white"
         }
     }
 }

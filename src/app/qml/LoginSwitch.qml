@@ -1,15 +1,20 @@
 import Quelmo
 import QtQuick
-import QtQuick.Controls.Basic
+import QtQuick.Templates as T
 
 // Launch at login, as a mini switch. It always shows the real state: a change the system refuses
 // springs back.
-Switch {
+T.Switch {
     id: toggle
 
     required property PopoverContext context
 
     objectName: "loginSwitch"
+    implicitWidth: Math.max(implicitBackgroundWidth + leftInset + rightInset,
+                            implicitContentWidth + leftPadding + rightPadding)
+    implicitHeight: Math.max(implicitBackgroundHeight + topInset + bottomInset,
+                             implicitContentHeight + topPadding + bottomPadding,
+                             implicitIndicatorHeight + topPadding + bottomPadding)
     text: Texts.launchAtLogin
     font.pixelSize: 10
     padding: 0

@@ -1,6 +1,6 @@
 import Quelmo
 import QtQuick
-import QtQuick.Controls.Basic
+import QtQuick.Templates as T
 
 // One reading as a bar: symbol, title and figure above, the bar, a detail line below. With
 // `expandable` a chevron opens the per-process list under it.
@@ -48,7 +48,7 @@ Column {
             font.pixelSize: 12
             font.weight: Font.DemiBold
         }
-        AbstractButton {
+        T.AbstractButton {
             id: chevron
 
             readonly property string tip: Texts.showPerProcessUsage

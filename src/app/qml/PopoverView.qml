@@ -1,7 +1,7 @@
 pragma ComponentBehavior: Bound
 import Quelmo
 import QtQuick
-import QtQuick.Controls.Basic
+import QtQuick.Templates as T
 
 // The popover's content: header, the cleanup card's place, the metrics, the power card and the
 // footer, 320 wide. It asks for its content's height up to `maxHeight` and scrolls beyond.
@@ -63,9 +63,42 @@ Item {
             contentHeight: view.contentHeight
             boundsBehavior: Flickable.StopAtBounds
             clip: true
-            ScrollBar.vertical: ScrollBar {
-                policy: scroller.contentHeight > scroller.height ? ScrollBar.AlwaysOn
-                                                                 : ScrollBar.AlwaysOff
+            T.ScrollBar.vertical: T.ScrollBar {
+                id: scrollBar
+                policy: scroller.contentHeight > scroller.height ? T.ScrollBar.AlwaysOn
+                                                                 : T.ScrollBar.AlwaysOff
+                visible: policy !== T.ScrollBar.AlwaysOff
+                implicitWidth: Math.max(implicitBackgroundWidth + leftInset + rightInset,
+                                        implicitContentWidth + leftPadding + rightPadding)
+                implicitHeight: Math.max(implicitBackgroundHeight + topInset + bottomInset,
+                                         implicitContentHeight + topPadding + bottomPadding)
+                padding: 2
+                minimumSize: width / height
+                contentItem: Rectangle {
+                    implicitWidth: scrollBar.interactive ? 6 : 2
+                    implicitHeight: scrollBar.interactive ? 6 : 2
+                    radius: width / 2
+                    color: scrollBar.pressed ? "#353637" : "#bdbdbd"
+                    opacity: 0.0
+                    states: State {
+                        name: "active"
+                        when: scrollBar.policy === T.ScrollBar.AlwaysOn
+                              || (scrollBar.active && scrollBar.size < 1.0)
+                        PropertyChanges { scrollBar.contentItem.opacity: 0.75 }
+                    }
+                    transitions: Transition {
+                        from: "active"
+                        SequentialAnimation {
+                            PauseAnimation { duration: 450 }
+                            NumberAnimation {
+                                target: scrollBar.contentItem
+                                duration: 200
+                                property: "opacity"
+                                to: 0.0
+                            }
+                        }
+                    }
+                }
             }
 
             Column {

@@ -1,12 +1,16 @@
 import Quelmo
 import QtQuick
-import QtQuick.Controls.Basic
+import QtQuick.Templates as T
 
 // The footer's Quit: a quiet rounded button.
-AbstractButton {
+T.AbstractButton {
     id: button
 
     objectName: "quitButton"
+    implicitWidth: Math.max(implicitBackgroundWidth + leftInset + rightInset,
+                            implicitContentWidth + leftPadding + rightPadding)
+    implicitHeight: Math.max(implicitBackgroundHeight + topInset + bottomInset,
+                             implicitContentHeight + topPadding + bottomPadding)
     leftPadding: 8
     rightPadding: 8
     topPadding: 3

@@ -1,6 +1,6 @@
 import Quelmo
 import QtQuick
-import QtQuick.Controls.Basic
+import QtQuick.Templates as T
 
 // The sensitivity slider, from lax to keen; it writes the hub's sensitivity as it moves.
 Row {
@@ -31,7 +31,7 @@ Row {
         font.pixelSize: 8
         anchors.verticalCenter: parent.verticalCenter
     }
-    Slider {
+    T.Slider {
         id: slider
         objectName: "sensitivitySlider"
         from: 0

@@ -13,7 +13,7 @@ AppDelegate::AppDelegate(Platform platform, Shell shell, QObject* parent)
           return shell_.makePopoverSurface ? shell_.makePopoverSurface(metrics_) : nullptr;
       }),
       metrics_(std::move(platform)), shell_(std::move(shell)) {
-    connect(&popover_, &Popover::willShow, this, &AppDelegate::popoverWillShow);
+    connect(&popover_, &Popover::firstFrameShown, this, &AppDelegate::popoverFirstFrameShown);
     connect(&popover_, &Popover::didClose, this, &AppDelegate::popoverDidClose);
     connect(&popover_, &Popover::quitRequested, this, &AppDelegate::quit);
 }
@@ -86,7 +86,9 @@ void AppDelegate::quit() {
         QCoreApplication::quit();
 }
 
-void AppDelegate::popoverWillShow() {
+// The process table is read once the popover is on screen: its rows fill in a frame later, and
+// the opening neither shares the processor with the read nor builds rows before its first frame.
+void AppDelegate::popoverFirstFrameShown() {
     metrics_.setPollProcesses(true);
 }
 

@@ -15,7 +15,7 @@ namespace quelmo {
 // The application's delegate: owns the metrics hub and the popover, builds the status item
 // once launching has finished, keeps the item's title current, opens and closes the popover on
 // a left click, offers the one-item context menu on a right click, and switches the hub's
-// process polling on while the popover is open.
+// process polling on from the open popover's first frame until it closes.
 class AppDelegate : public QObject {
     Q_OBJECT
 
@@ -36,7 +36,7 @@ public:
     void applicationDidFinishLaunching();
     void togglePopover(StatusClick sender);
     void quit();
-    void popoverWillShow();
+    void popoverFirstFrameShown();
     void popoverDidClose();
     // Opens the popover under the item, or keeps it open (another launch handing over).
     void showPopover();
