@@ -16,6 +16,10 @@
 #      own "quelmo.popover" log, with the CPU time it spent), later openings under 10 ms (median);
 #   3. resident memory with the popover open under 45 MiB, a minute after closing within 5 MiB of
 #      the never-opened figure, closed figures unchanged: <= 0.05 % of one core, <= 35 MiB.
+# Each round also measures the floor under the first goal: quelmo_quick_floor (built with the
+# benchmarks, beside the program's build), a bare Qt Quick window drawn by the same renderer at
+# the scissors' 10 frames a second and doing nothing else. Its CPU is what any Qt Quick popover
+# with that one animation pays on this machine, before it shows a single reading.
 # Exit status 0 when every goal passes, 1 when one fails, 2 when something is missing.
 #
 # Needs the desktop-test tools (scripts/install-deps.sh test) and gnome-system-monitor. With
@@ -162,6 +166,27 @@ def build_type(binary):
     return "unknown"
 
 
+def floor_program(binary):
+    # build/<dir>/src/app/quelmo -> build/<dir>/bench/quelmo_quick_floor
+    build = os.path.dirname(os.path.dirname(os.path.dirname(binary)))
+    return os.path.join(build, "bench", "quelmo_quick_floor")
+
+
+def run_floor(session, xserver, program, seconds):
+    proc = session.spawn(PRIORITY + [program])
+    try:
+        wait_until(lambda: session.run(["xdotool", "search", "--onlyvisible", "--name",
+                                        "quelmo_quick_floor"]).stdout.strip(), 60,
+                   "the floor's window")
+        time.sleep(SETTLE_SECONDS)
+        if proc.poll() is not None:
+            raise RuntimeError(f"quelmo_quick_floor ended with {proc.returncode}")
+        return measure(proc.pid, xserver, seconds)
+    finally:
+        proc.terminate()
+        proc.wait(20)
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("--binary", default=os.path.join(ROOT, "build/release/src/app/quelmo"))
@@ -179,6 +204,11 @@ def main():
               f"  sudo apt-get install gnome-system-monitor && scripts/install-deps.sh test",
               file=sys.stderr)
         return 2
+    floor = floor_program(binary)
+    if not os.access(floor, os.X_OK):
+        print(f"open_cost: no {floor} (build the benchmarks in the same build directory)",
+              file=sys.stderr)
+        return 2
     kind = build_type(binary)
     reference_version = subprocess.run(
         ["dpkg-query", "-W", "-f", "${Version}", "gnome-system-monitor"],
@@ -189,7 +219,7 @@ def main():
     if kind != "Release":
         print("open_cost: warning: not a Release build, the figures are not comparable", flush=True)
 
-    opened, closed, after, reference, openings = [], [], [], [], []
+    opened, closed, after, reference, floors, openings = [], [], [], [], [], []
     with DesktopSession() as session:
         xserver = xserver_pid()
         session.run(["xdotool", "mousemove", *POINTER_AWAY])
@@ -210,6 +240,7 @@ def main():
             time.sleep(SETTLE_SECONDS)
             after.append(measure(quelmo.proc.pid, xserver, args.seconds))
             reference.append(run_reference(session, xserver, args.seconds))
+            floors.append(run_floor(session, xserver, floor, args.seconds))
             if not quelmo.alive():
                 print(f"open_cost: Quelmo ended with {quelmo.proc.returncode}", file=sys.stderr)
                 return 2
@@ -217,6 +248,7 @@ def main():
             line(f"round {round_}: Quelmo, popover open", opened[-1], baseline)
             line(f"round {round_}: Quelmo, closed again", after[-1])
             line(f"round {round_}: gnome-system-monitor", reference[-1], baseline)
+            line(f"round {round_}: Qt Quick floor", floors[-1], baseline)
         quelmo.proc.terminate()
         quelmo.proc.wait(20)
 
@@ -255,6 +287,11 @@ def main():
     print(f"\nX server's extra CPU while open: Quelmo {q_x:+.3f} %, gnome-system-monitor "
           f"{r_x:+.3f} % of one core (over its closed rate {baseline:.3f} %); Quelmo with its X "
           f"share {q_cpu + q_x:.3f} % against {r_cpu + r_x:.3f} %")
+    f_cpu = mean(floors, "cpu")
+    print(f"floor: a bare Qt Quick window at the scissors' 10 frames a second costs {f_cpu:.3f} % "
+          f"of one core here (X server {mean(floors, 'x') - baseline:+.3f} %); Quelmo open is "
+          f"{q_cpu / f_cpu if f_cpu else float('inf'):.2f}x it, the {GOAL_OPEN_CPU} % goal "
+          f"{GOAL_OPEN_CPU / f_cpu if f_cpu else float('inf'):.2f}x it")
     print(f"ratios (figure / goal; {conditions()}):")
     for what, ratio, detail, inclusive in results:
         verdict = "PASS" if passes(ratio, inclusive) else "FAIL"
