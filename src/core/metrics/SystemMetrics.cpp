@@ -97,21 +97,37 @@ void SystemMetrics::start() {
 }
 
 void SystemMetrics::update() {
-    const CPUMonitor::Reading cpu = cpu_.sample();
+    Readings readings{cpu_.sample(), gpuMon_.sample(), mem_.sample(), power_.sample()};
+    // While the popover shows the process table, the readings wait for the table asked for
+    // now (a few milliseconds) and both change together: one redraw a second, not two.
+    if (pollProcesses_ && !scanUnderWay_) {
+        heldReadings_ = std::move(readings);
+        refreshProcesses();
+        return;
+    }
+    heldReadings_.reset(); // older than these: never shown after them
+    publishReadings(readings);
+    if (pollProcesses_)
+        refreshProcesses();
+    emit ticked();
+}
+
+void SystemMetrics::publishReadings(const Readings& readings) {
+    const CPUMonitor::Reading& cpu = readings.cpu;
     if (!cpu.perCore.empty()) {
         publish(cpuTotal_, cpu.total, &SystemMetrics::cpuTotalChanged);
         publish(cpuPerCore_, QList<double>(cpu.perCore.begin(), cpu.perCore.end()),
                 &SystemMetrics::cpuPerCoreChanged);
     }
 
-    publish(gpu_, gpuMon_.sample(), &SystemMetrics::gpuChanged);
+    publish(gpu_, readings.gpu, &SystemMetrics::gpuChanged);
 
-    const MemoryMonitor::Reading mem = mem_.sample();
+    const MemoryMonitor::Reading& mem = readings.memory;
     publish(memUsed_, mem.used, &SystemMetrics::memUsedChanged);
     publish(memTotal_, mem.total, &SystemMetrics::memTotalChanged);
     publish(memFraction_, mem.fraction, &SystemMetrics::memFractionChanged);
 
-    if (const auto power = power_.sample()) {
+    if (const auto& power = readings.power) {
         publish(cpuWatts_, power->cpuWatts, &SystemMetrics::cpuWattsChanged);
         publish(gpuWatts_, power->gpuWatts, &SystemMetrics::gpuWattsChanged);
         publish(aneWatts_, power->aneWatts, &SystemMetrics::aneWattsChanged);
@@ -122,10 +138,13 @@ void SystemMetrics::update() {
         publish(aneLoad_, std::clamp(power->aneWatts / aneMaxWatts, 0.0, 1.0),
                 &SystemMetrics::aneLoadChanged);
     }
+}
 
-    if (pollProcesses_)
-        refreshProcesses();
-    emit ticked();
+bool SystemMetrics::publishHeldReadings() {
+    const std::optional<Readings> held = std::exchange(heldReadings_, std::nullopt);
+    if (held)
+        publishReadings(*held);
+    return held.has_value();
 }
 
 void SystemMetrics::savePending() {
@@ -140,6 +159,8 @@ void SystemMetrics::setPollProcesses(bool on) {
         refreshProcesses();
         return;
     }
+    if (publishHeldReadings())
+        emit ticked();
     // What was asked for while the popover was open no longer has anywhere to go, and the files
     // and names the reader keeps for the next reading are let go until it opens again.
     discardThrough_ = lastTicket_;
@@ -161,6 +182,7 @@ void SystemMetrics::refreshProcesses() {
 
 void SystemMetrics::applyProcessScan(quint64 ticket, ProcessScan scan) {
     scanUnderWay_ = false;
+    const bool ticking = publishHeldReadings();
     if (ticket > discardThrough_) {
         for (auto it = releasedAfter_.begin(); it != releasedAfter_.end();) {
             if (ticket > it.value()) {
@@ -172,6 +194,8 @@ void SystemMetrics::applyProcessScan(quint64 ticket, ProcessScan scan) {
         }
         publishProcesses(procMon_.take(std::move(scan)));
     }
+    if (ticking)
+        emit ticked();
     if (std::exchange(scanWanted_, false))
         refreshProcesses();
 }

@@ -24,6 +24,7 @@
 #include <QTimer>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace quelmo {
@@ -131,6 +132,16 @@ signals:
 private:
     QList<CleanupCandidate> computeCleanupCandidates(const std::vector<ProcInfo>& procs) const;
     void queueAIEvaluations();
+    // One tick's readings of the machine, sampled together.
+    struct Readings {
+        CPUMonitor::Reading cpu;
+        double gpu = 0;
+        MemoryMonitor::Reading memory;
+        std::optional<PowerMonitor::Reading> power;
+    };
+    void publishReadings(const Readings& readings);
+    // Publishes the readings held for the table being read; false when none were held.
+    bool publishHeldReadings();
     void applyProcessScan(quint64 ticket, ProcessScan scan);
     void publishProcesses(const std::vector<ProcInfo>& snapshot);
 
@@ -177,7 +188,8 @@ private:
     quint64 lastTicket_ = 0;
     bool scanUnderWay_ = false;
     bool scanWanted_ = false;
-    quint64 discardThrough_ = 0; // readings asked for before the popover last closed
+    std::optional<Readings> heldReadings_; // sampled, waiting for the table being read
+    quint64 discardThrough_ = 0;           // readings asked for before the popover last closed
     BaselineEngine baseline_;
     std::unique_ptr<AIAdvisor> advisor_;
     EvaluationQueue queue_; // asks advisor_

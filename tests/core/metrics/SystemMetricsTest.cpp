@@ -259,6 +259,36 @@ bool spinUntil(const std::function<bool()>& done) {
     return done();
 }
 
+// While the popover polls, a tick's readings wait for the table it asked for, so that the
+// view changes once a second, not twice; closing the popover lets held readings out at once.
+TEST(SystemMetricsTest, WhilePollingReadingsArriveWithTheirTable) {
+    HubOnFakes fakes;
+    fakes.cpu->script = {std::vector<CpuTicks>{{100, 0, 900, 0}},
+                         std::vector<CpuTicks>{{200, 0, 900, 0}},
+                         std::vector<CpuTicks>{{300, 0, 1000, 0}}};
+    auto* tables = new ScriptedTables;
+    delete std::exchange(fakes.processes, tables);
+    fakes.offThread = true;
+    SystemMetrics& hub = fakes.build();
+    hub.update(); // the first sample: no rate yet
+    QList<int> readsAtTick;
+    QObject::connect(&hub, &SystemMetrics::ticked, [&] { readsAtTick << tables->reads; });
+    hub.setPollProcesses(true);
+    ASSERT_TRUE(spinUntil([&] { return tables->reads == 1; }));
+
+    hub.update();
+    EXPECT_TRUE(readsAtTick.isEmpty());
+    EXPECT_DOUBLE_EQ(hub.cpuTotal(), 0);
+    ASSERT_TRUE(spinUntil([&] { return readsAtTick.size() == 1; }));
+    EXPECT_EQ(readsAtTick, QList<int>({2}));
+    EXPECT_DOUBLE_EQ(hub.cpuTotal(), 1.0);
+
+    hub.update();
+    hub.setPollProcesses(false);
+    EXPECT_EQ(readsAtTick.size(), 2);
+    EXPECT_DOUBLE_EQ(hub.cpuTotal(), 0.5);
+}
+
 // Read on a thread of their own, tables arrive later and in the order asked. A table asked for
 // before a cut's hold ended (read while the process was still winding down) does not bring its
 // row back; the first one asked for after it does, if the process is still there.
