@@ -55,9 +55,18 @@ qint64 LoopClock::elapsedMs() const {
 }
 
 void LoopClock::step() {
-    const qint64 now = elapsedMs();
+    showAll(std::max(elapsedMs(), shownUntilMs_));
+}
+
+void LoopClock::frameComing() {
+    if (running_ && nextWakeMs_ >= 0 && nextWakeMs_ - elapsedMs() <= rideAheadMs)
+        showAll(nextWakeMs_);
+}
+
+void LoopClock::showAll(qint64 at) {
+    shownUntilMs_ = at;
     for (Loop* loop : std::as_const(loops_))
-        loop->showAt(now);
+        loop->showAt(at);
     schedule();
 }
 
@@ -96,7 +105,7 @@ void LoopClock::remove(Loop* loop) {
 }
 
 void LoopClock::loopChanged(Loop* loop) {
-    loop->showAt(elapsedMs());
+    loop->showAt(std::max(elapsedMs(), shownUntilMs_));
     schedule();
 }
 

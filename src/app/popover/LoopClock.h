@@ -25,6 +25,8 @@ class LoopClock : public QObject {
 
 public:
     static constexpr int frameMs = 50;
+    // How early a step may be taken on a frame drawn anyway (see frameComing).
+    static constexpr int rideAheadMs = 12;
     // Milliseconds of a monotonic clock.
     using Now = std::function<qint64()>;
 
@@ -41,6 +43,10 @@ public:
 
     // Moves the loops to the present and sleeps until the next change (what its timer calls).
     void step();
+    // The window is about to draw a frame for some other change (a reading, a glide). Steps
+    // due within rideAheadMs are taken now and drawn on it, rather than on a frame of their
+    // own a few milliseconds later.
+    void frameComing();
 
     // For Loop: a loop joins, leaves, or changes how it runs.
     void add(Loop* loop);
@@ -51,6 +57,8 @@ signals:
     void runningChanged();
 
 private:
+    // Shows every loop at `at` (elapsedMs or a little ahead) and sleeps until the next change.
+    void showAll(qint64 at);
     void schedule();
 
     Now now_;
@@ -60,6 +68,7 @@ private:
     qint64 startedAt_ = 0;
     qint64 elapsedAtStart_ = 0;
     qint64 nextWakeMs_ = -1;
+    qint64 shownUntilMs_ = 0; // loops never go back behind a step taken early
 };
 
 } // namespace quelmo

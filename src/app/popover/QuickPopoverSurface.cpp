@@ -98,6 +98,9 @@ QuickPopoverSurface::QuickPopoverSurface(SystemMetrics& metrics,
                 emit firstFrameShown();
         },
         Qt::QueuedConnection);
+    // On the GUI thread, before the frame takes in the scene: loop steps due in a moment come
+    // along on this frame instead of drawing one more.
+    connect(&w, &QQuickWindow::afterAnimating, context_->loops(), &LoopClock::frameComing);
     if (QQuickItem* view = w.rootObject())
         connect(view, &QQuickItem::implicitHeightChanged, this, &QuickPopoverSurface::fitToContent);
 

@@ -109,6 +109,32 @@ TEST_F(LoopClockTest, WakesOnlyForVisibleStepsSharedOnItsGridAndNeverWhileStoppe
     EXPECT_GT(clock.nextWakeMs(), elapsed);
 }
 
+// A frame drawn for something else carries a step due in a moment; one due later waits for
+// its own wake, and a step taken early is never taken back by the wake that follows.
+TEST_F(LoopClockTest, AFrameDrawnAnywayCarriesAStepDueInAMoment) {
+    Loop snip;
+    snip.setHalfPeriodMs(300);
+    snip.setTravel(1.4);
+    snip.setClock(&clock);
+    clock.setRunning(true);
+    QSignalSpy snipped(&snip, &Loop::phaseChanged);
+
+    const qint64 due = clock.nextWakeMs();
+    now += due - clock.elapsedMs() - LoopClock::rideAheadMs - 1;
+    clock.frameComing();
+    EXPECT_EQ(snipped.count(), 0);
+    EXPECT_EQ(clock.nextWakeMs(), due);
+
+    now += 2;
+    clock.frameComing();
+    EXPECT_EQ(snipped.count(), 1);
+    const double stepped = snip.phase();
+    EXPECT_GT(clock.nextWakeMs(), due);
+    clock.step(); // a wake before the step's own time: nothing moves back
+    EXPECT_EQ(snip.phase(), stepped);
+    EXPECT_EQ(snipped.count(), 1);
+}
+
 TEST_F(LoopClockTest, LoopsOutliveOrPrecedeTheirClockSafely) {
     auto loop = std::make_unique<Loop>();
     loop->setHalfPeriodMs(300);
