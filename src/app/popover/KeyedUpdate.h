@@ -8,7 +8,7 @@
 
 namespace quelmo {
 
-// The one way the popover's list models take a new list of rows. Rows are known by a key (the
+// How the popover's list models take a new list of rows. Rows are known by a key (the
 // pid): rows whose key is gone are removed, new keys are inserted where they belong, rows that
 // stay are moved to their new place and told as changed only in the roles whose value changed.
 // So a row keeps its identity (its persistent index, its delegate, its transitions) from one
@@ -58,6 +58,37 @@ struct KeyedUpdate {
             rows[i] = row;
             if (!changed.isEmpty())
                 emit model.dataChanged(model.index(i), model.index(i), changed);
+        }
+    }
+
+    // Brings `rows` to `fresh` place by place, for lists whose rows have no identity worth
+    // keeping on screen (nothing moves or fades in): the row at each place takes the fresh row
+    // there and is told as changed in the roles whose value changed; only the rows beyond the
+    // shorter list are removed or inserted. So a list of the same length keeps all its
+    // delegates, and nothing is made or thrown away from one update to the next.
+    template <typename Model, typename Row, typename ValueOf>
+    static void applyInPlace(Model& model, QList<Row>& rows, const QList<Row>& fresh,
+                             ValueOf valueOf, const QList<int>& roles) {
+        if (rows.size() > fresh.size()) {
+            model.beginRemoveRows({}, static_cast<int>(fresh.size()),
+                                  static_cast<int>(rows.size()) - 1);
+            rows.resize(fresh.size());
+            model.endRemoveRows();
+        }
+        for (int i = 0; i < rows.size(); ++i) {
+            QList<int> changed;
+            for (const int role : roles)
+                if (valueOf(rows.at(i), role) != valueOf(fresh.at(i), role))
+                    changed.append(role);
+            rows[i] = fresh.at(i);
+            if (!changed.isEmpty())
+                emit model.dataChanged(model.index(i), model.index(i), changed);
+        }
+        if (rows.size() < fresh.size()) {
+            model.beginInsertRows({}, static_cast<int>(rows.size()),
+                                  static_cast<int>(fresh.size()) - 1);
+            rows.append(fresh.mid(rows.size()));
+            model.endInsertRows();
         }
     }
 };

@@ -8,8 +8,8 @@
 
 namespace quelmo {
 
-// A list of process rows for the views, keyed by process id (see KeyedUpdate): a row keeps its
-// identity (and its delegate) from one second to the next.
+// A list of process rows for the views. A refresh fills the rows in place (see
+// KeyedUpdate::applyInPlace): the view keeps its row items and redraws only what changed.
 class ProcessListModel : public QAbstractListModel {
     Q_OBJECT
     QML_ELEMENT

@@ -3,7 +3,7 @@ import Quelmo
 import QtQuick
 
 // The top processes under an expanded bar: name, a bar scaled to the busiest one, and the figure.
-// Rows are keyed by pid, so a process keeps its row from one refresh to the next.
+// Rows are filled in place, so a refresh makes no new row items.
 Column {
     id: list
 
