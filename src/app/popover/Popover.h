@@ -32,8 +32,8 @@ public:
     // which closes it, and then delivers the click, which would open it again at once. A click
     // this soon after a focus-loss close is taken as that same gesture and leaves it closed.
     static constexpr qint64 reopenGuardMs = 400;
-    // How long a closed popover keeps its window for reopening at once (about 8 ms, against a
-    // first opening's 70-100 ms) before releasing it and its QML engine (some 20 MiB).
+    // How long a closed popover keeps its window for reopening at once (about 8 ms, against
+    // 55-60 ms once released) before releasing it and its QML engine.
     static constexpr int releaseAfterMs = 60'000;
 
     explicit Popover(SurfaceFactory makeSurface, Clock clock = monotonicMs,
