@@ -1,10 +1,18 @@
+#include "app/popover/QuickPopoverSurface.h"
 #include "app/shell/AppDelegate.h"
+#include "core/settings/LoginItem.h"
 #include "support/FakePlatform.h"
 #include "support/TempSettings.h"
 
 #include <QCoreApplication>
+#include <QEventLoop>
+#include <QGuiApplication>
 #include <QKeyEvent>
+#include <QPointer>
+#include <QQuickItem>
+#include <QQuickView>
 #include <QThread>
+#include <QTimer>
 #include <gtest/gtest.h>
 
 using namespace quelmo;
@@ -21,11 +29,19 @@ struct FakeStatusItem : StatusItem {
 
 struct FakeSurface : PopoverSurface {
     std::function<void()> onShow; // runs where the window would appear
+    bool busy = false;
     void showAt(QPoint) override { onShow ? onShow() : void(); }
     void hide() override {}
+    bool isBusy() const override { return busy; }
 };
 
-// The delegate, launched, on stand-ins with two processes.
+struct NoLoginItem : LoginItemService {
+    std::optional<QString> apply(bool) override { return QStringLiteral("none here"); }
+    bool isEnabled() override { return false; }
+};
+
+// The delegate, launched, on stand-ins with two processes; with the real popover window when
+// asked (drawn offscreen).
 struct Shell {
     FixedProcesses* processes = new FixedProcesses;
     FakeStatusItem* item = nullptr;
@@ -34,13 +50,18 @@ struct Shell {
     int quits = 0;
     std::unique_ptr<AppDelegate> delegate;
 
-    Shell() {
+    explicit Shell(bool realWindow = false) {
         TempSettings::clear();
         Platform platform;
         processes->rows = {proc(10, "editor", 5, 300e6), proc(11, "browser", 40, 900e6)};
         platform.processes.reset(processes);
         auto makeItem = [this] { return std::unique_ptr<StatusItem>(item = new FakeStatusItem); };
-        auto makeSurface = [this](SystemMetrics&) {
+        auto makeSurface =
+            [this, realWindow](SystemMetrics& metrics,
+                               PopoverViewState& state) -> std::unique_ptr<PopoverSurface> {
+            if (realWindow)
+                return std::make_unique<QuickPopoverSurface>(
+                    metrics, std::make_unique<NoLoginItem>(), state);
             surface = new FakeSurface;
             surface->onShow = onShow;
             return std::unique_ptr<PopoverSurface>(surface);
@@ -56,13 +77,22 @@ struct Shell {
     }
 };
 
+void runEventsFor(int ms) {
+    QEventLoop loop;
+    QTimer::singleShot(ms, &loop, &QEventLoop::quit);
+    loop.exec();
+}
+
 } // namespace
 
 TEST(PopoverTest, AClickRightAfterAFocusLossCloseIsPartOfThatGestureAndLeavesItClosed) {
     qint64 now = 10'000;
     FakeSurface* surface = nullptr;
-    Popover popover([&] { return std::unique_ptr<PopoverSurface>(surface = new FakeSurface); },
-                    [&] { return now; });
+    Popover popover(
+        [&](PopoverViewState&) {
+            return std::unique_ptr<PopoverSurface>(surface = new FakeSurface);
+        },
+        [&] { return now; });
     int closes = 0;
     QObject::connect(&popover, &Popover::didClose, [&] { ++closes; });
 
@@ -83,6 +113,42 @@ TEST(PopoverTest, AClickRightAfterAFocusLossCloseIsPartOfThatGestureAndLeavesItC
     popover.toggle({});
     EXPECT_TRUE(popover.isShown());
     EXPECT_EQ(closes, 3);
+}
+
+TEST(PopoverTest, AClosedWindowIsReleasedAfterTheDelayButNotWhileOpenReopenedOrMidCut) {
+    constexpr int delayMs = 20;
+    QPointer<FakeSurface> surface;
+    QList<PopoverViewState*> statesGiven;
+    Popover popover(
+        [&](PopoverViewState& state) {
+            statesGiven.append(&state);
+            return std::unique_ptr<PopoverSurface>(surface = new FakeSurface);
+        },
+        Popover::monotonicMs, delayMs);
+
+    popover.show({});
+    runEventsFor(3 * delayMs);
+    EXPECT_TRUE(surface); // open
+    popover.performClose();
+    popover.show({}); // reopened within the delay
+    runEventsFor(3 * delayMs);
+    EXPECT_TRUE(surface);
+
+    emit surface->closedByUser(PopoverSurface::CloseReason::Escape);
+    runEventsFor(3 * delayMs);
+    EXPECT_FALSE(surface);
+    EXPECT_FALSE(popover.hasSurface());
+
+    popover.show({}); // the window is made again, for the same state
+    ASSERT_TRUE(surface);
+    EXPECT_EQ(statesGiven, QList<PopoverViewState*>(2, &popover.viewState()));
+    surface->busy = true; // a cut on its way
+    popover.performClose();
+    runEventsFor(3 * delayMs);
+    ASSERT_TRUE(surface);
+    surface->busy = false;
+    runEventsFor(3 * delayMs);
+    EXPECT_FALSE(surface);
 }
 
 TEST(AppDelegateTest, OpeningPollsOnceTheWindowHasDrawnItsFirstFrame) {
@@ -169,4 +235,31 @@ TEST(AppDelegateTest, AClickTheHostTellsOfLateDoesNotReopenWhatItClosed) {
     EXPECT_FALSE(shell.delegate->popover().isShown());
     shell.click(StatusClick::Button::Left); // a click told at once still opens it
     EXPECT_TRUE(shell.delegate->popover().isShown());
+}
+
+TEST(AppDelegateTest, TheSectionsTheUserOpenedOutliveTheReleasedWindow) {
+    Shell shell(true);
+    const auto view = [] {
+        for (QWindow* window : QGuiApplication::topLevelWindows())
+            if (auto* quick = qobject_cast<QQuickView*>(window); quick && quick->rootObject())
+                return quick->rootObject();
+        return static_cast<QQuickItem*>(nullptr);
+    };
+    shell.delegate->showPopover();
+    ASSERT_NE(view(), nullptr);
+    auto* card = view()->findChild<QQuickItem*>("cleanupCard");
+    ASSERT_NE(card, nullptr);
+    QMetaObject::invokeMethod(view(), "toggle", Q_ARG(QVariant, "memory"));
+    QMetaObject::invokeMethod(card, "toggleRequested");
+    QMetaObject::invokeMethod(card, "criteriaToggled");
+
+    shell.delegate->popover().discardSurface();
+    ASSERT_EQ(view(), nullptr);
+    shell.delegate->showPopover();
+    ASSERT_NE(view(), nullptr);
+    card = view()->findChild<QQuickItem*>("cleanupCard");
+    ASSERT_NE(card, nullptr);
+    EXPECT_EQ(view()->property("expanded").toStringList(), QStringList({"memory", "cleanup"}));
+    EXPECT_TRUE(card->property("expanded").toBool());
+    EXPECT_TRUE(card->property("showCriteria").toBool());
 }

@@ -3,12 +3,20 @@
 #include <QElapsedTimer>
 #include <ctime>
 
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
+
 namespace quelmo {
 
 Q_LOGGING_CATEGORY(lcPopover, "quelmo.popover", QtWarningMsg)
 
-Popover::Popover(SurfaceFactory makeSurface, Clock clock, QObject* parent)
-    : QObject(parent), makeSurface_(std::move(makeSurface)), clock_(std::move(clock)) {}
+Popover::Popover(SurfaceFactory makeSurface, Clock clock, int releaseDelayMs, QObject* parent)
+    : QObject(parent), makeSurface_(std::move(makeSurface)), clock_(std::move(clock)) {
+    releaseTimer_.setSingleShot(true);
+    releaseTimer_.setInterval(releaseDelayMs);
+    connect(&releaseTimer_, &QTimer::timeout, this, &Popover::releaseIdleSurface);
+}
 
 Popover::~Popover() = default;
 
@@ -20,6 +28,14 @@ qint64 processCpuUs() {
     timespec now{};
     clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
     return static_cast<qint64>(now.tv_sec) * 1000000 + now.tv_nsec / 1000;
+}
+
+// glibc keeps freed memory at the top of its heaps and in its per-thread arenas for reuse; after
+// the engine has gone, hand it back to the system.
+void returnFreedHeap() {
+#if defined(__GLIBC__)
+    malloc_trim(0);
+#endif
 }
 
 } // namespace
@@ -50,8 +66,9 @@ void Popover::show(QPoint anchor) {
         openedAtMs_ = clock_();
         openedAtCpuUs_ = processCpuUs();
     }
+    releaseTimer_.stop();
     if (!surface_) {
-        surface_ = makeSurface_();
+        surface_ = makeSurface_(viewState_);
         if (!surface_)
             return;
         connect(surface_.get(), &PopoverSurface::closedByUser, this, &Popover::surfaceClosed);
@@ -81,6 +98,7 @@ void Popover::performClose() {
     shown_ = false;
     if (surface_)
         surface_->hide();
+    releaseTimer_.start();
     emit didClose();
 }
 
@@ -91,12 +109,26 @@ void Popover::surfaceClosed(PopoverSurface::CloseReason reason) {
     if (reason == PopoverSurface::CloseReason::FocusLost)
         lastFocusLossCloseMs_ = clock_();
     shown_ = false;
+    releaseTimer_.start();
     emit didClose();
 }
 
 void Popover::discardSurface() {
     performClose();
+    releaseTimer_.stop();
     surface_.reset();
+}
+
+void Popover::releaseIdleSurface() {
+    if (shown_ || !surface_)
+        return;
+    if (surface_->isBusy()) {
+        releaseTimer_.start();
+        return;
+    }
+    qCDebug(lcPopover) << "releasing the closed window";
+    surface_.reset();
+    returnFreedHeap();
 }
 
 } // namespace quelmo

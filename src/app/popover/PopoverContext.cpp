@@ -6,8 +6,9 @@
 
 namespace quelmo {
 
-PopoverContext::PopoverContext(Hooks hooks, QObject* parent)
-    : QObject(parent), hooks_(std::move(hooks)), maxHeight_(PopoverRules::maxHeight(std::nullopt)) {
+PopoverContext::PopoverContext(Hooks hooks, PopoverViewState* viewState, QObject* parent)
+    : QObject(parent), hooks_(std::move(hooks)), viewState_(viewState ? viewState : &ownViewState_),
+      maxHeight_(PopoverRules::maxHeight(std::nullopt)) {
     // Without a record of the choice the switch stays off and cannot be turned on.
     if (!hooks_.setLaunchAtLogin)
         hooks_.setLaunchAtLogin = [](bool) { return false; };

@@ -2,6 +2,7 @@
 
 #include "app/popover/LoopClock.h"
 #include "app/popover/PopoverReadings.h"
+#include "app/popover/PopoverViewState.h"
 #include "app/popover/ProcessListModel.h"
 
 #include <QObject>
@@ -39,6 +40,8 @@ class PopoverContext : public QObject {
     Q_PROPERTY(bool shown READ shown WRITE setShown NOTIFY shownChanged)
     // The clock of the endless loops (logo, mascot): it runs only while the popover is shown.
     Q_PROPERTY(quelmo::LoopClock* loops READ loops CONSTANT)
+    // The sections the user opened: kept by the popover across its windows.
+    Q_PROPERTY(quelmo::PopoverViewState* viewState READ viewState CONSTANT)
 
 public:
     struct Hooks {
@@ -50,7 +53,9 @@ public:
     };
 
     // Without hooks the real autostart entry is used and a language change asks nothing more.
-    explicit PopoverContext(Hooks hooks = {}, QObject* parent = nullptr);
+    // Without a `viewState` (which must outlive the context) it keeps its own.
+    explicit PopoverContext(Hooks hooks = {}, PopoverViewState* viewState = nullptr,
+                            QObject* parent = nullptr);
 
     PopoverReadings* readings() { return &readings_; }
     // The latest readings: shown at once while the popover is, else when it next shows.
@@ -77,6 +82,7 @@ public:
     void setShown(bool shown);
 
     LoopClock* loops() { return &loops_; }
+    PopoverViewState* viewState() { return viewState_; }
 
     // Reads the stored settings and the launch-at-login state again (each time the popover is
     // about to show, so a change made elsewhere is seen).
@@ -99,6 +105,8 @@ private:
     ProcessListModel topCPU_;
     ProcessListModel topMem_;
     LoopClock loops_;
+    PopoverViewState ownViewState_;
+    PopoverViewState* viewState_;
     QString langRaw_;
     QString catStyleRaw_;
     bool launchAtLogin_ = false;

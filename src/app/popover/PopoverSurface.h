@@ -20,6 +20,8 @@ public:
     virtual void showAt(QPoint anchor) = 0;
     // Hides the window without reporting `closedByUser`.
     virtual void hide() = 0;
+    // Work begun in the window that must finish before it may be released (a cut on its way).
+    virtual bool isBusy() const { return false; }
 
 signals:
     // The window went away by itself: it lost the focus or the user pressed Escape. It is

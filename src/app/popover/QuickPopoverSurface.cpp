@@ -61,7 +61,7 @@ private:
 
 QuickPopoverSurface::QuickPopoverSurface(SystemMetrics& metrics,
                                          std::unique_ptr<LoginItemService> loginItem,
-                                         QObject* parent)
+                                         PopoverViewState& viewState, QObject* parent)
     : PopoverSurface(parent), window_(std::make_unique<Window>(*this)),
       loginItem_(std::move(loginItem)) {
     PopoverContext::Hooks hooks;
@@ -69,7 +69,7 @@ QuickPopoverSurface::QuickPopoverSurface(SystemMetrics& metrics,
     hooks.launchAtLoginEnabled = [this] { return loginItem_->isEnabled(); };
     // Verdicts are asked for again in the new language.
     hooks.languageChanged = [&metrics] { metrics.reevaluateAI(); };
-    context_ = new PopoverContext(std::move(hooks), this);
+    context_ = new PopoverContext(std::move(hooks), &viewState, this);
     context_->setReadings(readingsOf(metrics));
     connect(&metrics, &SystemMetrics::ticked, context_,
             [this, &metrics] { context_->setReadings(readingsOf(metrics)); });
@@ -222,6 +222,10 @@ void QuickPopoverSurface::hide() {
     compositorArea_.reset();
     context_->setShown(false);
     window_->hide();
+}
+
+bool QuickPopoverSurface::isBusy() const {
+    return cleanup_->cut()->catTravelY() != 0;
 }
 
 void QuickPopoverSurface::closeBy(CloseReason reason) {

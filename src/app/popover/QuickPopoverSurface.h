@@ -12,6 +12,7 @@ namespace quelmo {
 class CleanupFeed;
 class LoginItemService;
 class PopoverContext;
+class PopoverViewState;
 class SystemMetrics;
 
 namespace x11 {
@@ -33,13 +34,16 @@ class QuickPopoverSurface : public PopoverSurface {
 public:
     static constexpr int width = 320;
 
-    // `loginItem` keeps the launch-at-login choice the footer switch shows.
+    // `loginItem` keeps the launch-at-login choice the footer switch shows; `viewState`, which
+    // outlives the window, the sections the user opened.
     QuickPopoverSurface(SystemMetrics& metrics, std::unique_ptr<LoginItemService> loginItem,
-                        QObject* parent = nullptr);
+                        PopoverViewState& viewState, QObject* parent = nullptr);
     ~QuickPopoverSurface() override;
 
     void showAt(QPoint anchor) override;
     void hide() override;
+    // While the mascot is away from its lane, a cut is on its way.
+    bool isBusy() const override;
 
 private:
     class Window;

@@ -134,6 +134,8 @@ PopoverPreview::PopoverPreview(const PreviewState& state) {
     context_->setShown(false);
 
     const CleanupPreviewState cleanup = CleanupPreviewState::fromJson(state.extra);
+    context_->viewState()->setExpanded(state.expanded);
+    context_->viewState()->setShowCriteria(cleanup.showCriteria);
     cleanup_ = std::make_unique<CleanupFeed>(
         [this, rows = cleanup.candidates,
          verdicts = cleanup.verdicts](const QList<ProcessIdentity>& targets) mutable {
@@ -164,10 +166,8 @@ PopoverPreview::PopoverPreview(const PreviewState& state) {
     } else {
         window_->setInitialProperties(
             {{QStringLiteral("context"), QVariant::fromValue(context_.get())},
-             {QStringLiteral("expanded"), state.expanded},
              {QStringLiteral("cleanup"), QVariant::fromValue(cleanup_.get())},
-             {QStringLiteral("hoveredID"), static_cast<int>(cleanup.hovered)},
-             {QStringLiteral("showCriteria"), cleanup.showCriteria}});
+             {QStringLiteral("hoveredID"), static_cast<int>(cleanup.hovered)}});
         window_->setSource(QUrl(QString::fromLatin1(popoverViewUrl)));
         for (const QQmlError& error : window_->errors())
             errors_ += error.toString() + QLatin1Char('\n');

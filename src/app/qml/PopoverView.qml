@@ -14,10 +14,12 @@ Item {
     readonly property PopoverReadings readings: context.readings
     readonly property string lang: context.lang
 
-    // Which collapsible sections are open: "cpu", "memory", "cleanup".
-    property list<string> expanded: []
+    // Which collapsible sections are open: "cpu", "memory", "cleanup"; kept with the criteria's
+    // disclosure by the popover, so they outlive this window.
+    readonly property PopoverViewState viewState: context.viewState
+    readonly property list<string> expanded: viewState.expanded
     // The cleanup card's state (the card fills `cleanupCardSlot`).
-    property bool showCriteria: false
+    readonly property bool showCriteria: viewState.showCriteria
     property int hoveredID: -1
 
     readonly property real contentHeight: stack.implicitHeight + 2 * stack.y
@@ -34,7 +36,7 @@ Item {
     }
 
     function toggle(section) {
-        expanded = Rules.toggled(expanded, section)
+        viewState.expanded = Rules.toggled(expanded, section)
     }
 
     objectName: "popoverView"
@@ -132,7 +134,7 @@ Item {
                         catStyleRaw: view.context.catStyleRaw
                         loops: view.context.loops
                         onToggleRequested: view.toggle("cleanup")
-                        onCriteriaToggled: view.showCriteria = !view.showCriteria
+                        onCriteriaToggled: view.viewState.showCriteria = !view.showCriteria
                         onHoverRequested: pid => view.hoveredID = pid
                     }
                 }

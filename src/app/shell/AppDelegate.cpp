@@ -9,8 +9,8 @@
 namespace quelmo {
 
 AppDelegate::AppDelegate(Platform platform, Shell shell, QObject* parent)
-    : QObject(parent), popover_([this]() -> std::unique_ptr<PopoverSurface> {
-          return shell_.makePopoverSurface ? shell_.makePopoverSurface(metrics_) : nullptr;
+    : QObject(parent), popover_([this](PopoverViewState& state) -> std::unique_ptr<PopoverSurface> {
+          return shell_.makePopoverSurface ? shell_.makePopoverSurface(metrics_, state) : nullptr;
       }),
       metrics_(std::move(platform)), shell_(std::move(shell)) {
     connect(&popover_, &Popover::firstFrameShown, this, &AppDelegate::popoverFirstFrameShown);

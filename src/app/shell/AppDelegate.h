@@ -24,7 +24,8 @@ public:
     // stand-ins in tests.
     struct Shell {
         std::function<std::unique_ptr<StatusItem>()> makeStatusItem;
-        std::function<std::unique_ptr<PopoverSurface>(SystemMetrics&)> makePopoverSurface;
+        std::function<std::unique_ptr<PopoverSurface>(SystemMetrics&, PopoverViewState&)>
+            makePopoverSurface;
         // Ends the program; the application's quit when not given.
         std::function<void()> terminate;
     };

@@ -22,9 +22,9 @@ AppDelegate::Shell linuxShell(std::optional<QDBusConnection> bus) {
         [bus]() -> std::unique_ptr<StatusItem> {
             return std::make_unique<TrayStatusItem>(bus, trayIconDirectory());
         },
-        [](SystemMetrics& metrics) -> std::unique_ptr<PopoverSurface> {
+        [](SystemMetrics& metrics, PopoverViewState& viewState) -> std::unique_ptr<PopoverSurface> {
             return std::make_unique<QuickPopoverSurface>(
-                metrics, std::make_unique<linux_platform::AutostartEntry>());
+                metrics, std::make_unique<linux_platform::AutostartEntry>(), viewState);
         },
         nullptr,
     };
