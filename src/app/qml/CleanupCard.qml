@@ -214,9 +214,10 @@ LiquidCard {
             loops: card.loops
         }
         DashLine {
-            x: 2
+            // From 2 to the width less 2, with a cap of 1 beyond either end.
+            x: 1
             y: mascot.height + 2
-            width: parent.width - 4
+            width: parent.width - 2
             height: 2
             color: Colours.faded(Colours.ink, 0.16)
             lineWidth: 2

@@ -182,6 +182,38 @@ TEST(PopoverRender, ProcessListsAlignTheirBarsAndFigures) {
     }
 }
 
+// The power bar splits its width by the watts, left to right in the components' colours: the
+// example's 1, 1, 0 and 2 W give a quarter blue, a quarter lavender, no pink, half gray.
+TEST(PopoverRender, PowerBarSplitsByTheWatts) {
+    PopoverPreview preview(PreviewState::fromJson(exampleState("en", "white")));
+    ASSERT_TRUE(preview.root()) << preview.errors().toStdString();
+    const QImage image = preview.render();
+    QQuickItem* bar = named(preview.root(), "powerBar");
+    ASSERT_TRUE(bar);
+    const QRectF area = bar->mapRectToItem(preview.root(), bar->boundingRect());
+    ASSERT_GT(area.width(), 100);
+    const qreal ratio = image.devicePixelRatio();
+    const int y = int((area.top() + area.height() / 2) * ratio);
+    const auto run = [&](QColor colour) {
+        QList<int> xs;
+        for (int x = int(area.left() * ratio); x < int(area.right() * ratio); ++x)
+            if (image.pixelColor(x, y).rgb() == colour.rgb())
+                xs.append(x);
+        return xs;
+    };
+    const double width = area.width() * ratio;
+    const QList<int> blue = run(QColor::fromRgbF(0.53f, 0.64f, 0.83f));
+    const QList<int> lav = run(QColor::fromRgbF(0.68f, 0.63f, 0.84f));
+    const QList<int> gray = run(QColor::fromRgbF(0.62f, 0.64f, 0.68f));
+    EXPECT_TRUE(run(QColor::fromRgbF(0.91f, 0.71f, 0.70f)).isEmpty());
+    ASSERT_FALSE(blue.isEmpty() || lav.isEmpty() || gray.isEmpty());
+    EXPECT_NEAR(static_cast<double>(blue.size()), width / 4, 2);
+    EXPECT_NEAR(static_cast<double>(lav.size()), width / 4, 2);
+    EXPECT_NEAR(static_cast<double>(gray.size()), width / 2, 2);
+    EXPECT_LT(blue.last(), lav.first());
+    EXPECT_LT(lav.last(), gray.first());
+}
+
 // Pixels of the logo within a few levels of `colour`.
 int logoPixelsOf(PopoverPreview& preview, QColor colour) {
     const QImage image = preview.render();
