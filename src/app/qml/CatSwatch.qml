@@ -23,8 +23,8 @@ T.AbstractButton {
     Keys.onReturnPressed: swatch.clicked()
     Accessible.onPressAction: swatch.clicked()
 
-    TextTip {
-        visible: swatch.hovered
+    HoverTip {
+        shown: swatch.hovered
         text: swatch.label
     }
 
