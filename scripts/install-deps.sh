@@ -13,7 +13,7 @@ build_pkgs=(
   qt6-base-dev qt6-declarative-dev qt6-svg-dev qt6-tools-dev-tools
   libqt6svg6 qt6-qpa-plugins
   qml6-module-qtquick qml6-module-qtquick-window
-  qml6-module-qtquick-layouts qml6-module-qtquick-templates qml6-module-qtquick-shapes
+  qml6-module-qtquick-layouts qml6-module-qtquick-templates
   qml6-module-qtqml qml6-module-qtqml-models qml6-module-qtqml-workerscript
   libxcb1-dev libxcb-ewmh-dev libxcb-res0-dev libxcb-icccm4-dev
   libwayland-dev libwayland-bin

@@ -5,8 +5,6 @@
 #include "app/popover/SymbolImageProvider.h"
 #include "core/texts/Percent.h"
 
-#include <QPainterPath>
-
 namespace quelmo {
 
 QString PopoverRulesObject::pct(double fraction) {
@@ -57,60 +55,6 @@ QString PopoverRulesObject::processValueText(const QString& kind, double cpu, do
     if (kind == QLatin1String("cpu"))
         return percentText(cpu);
     return PopoverRules::mem(rss);
-}
-
-QVariantList PopoverRulesObject::powerShares(double cpu, double gpu, double ane, double dram) {
-    QVariantList shares;
-    for (double share : PopoverRules::powerShares(cpu, gpu, ane, dram))
-        shares.append(share);
-    return shares;
-}
-
-QString PopoverRulesObject::capsuleSegmentPath(double from, double to, double width,
-                                               double height) {
-    if (!(to > from) || !(width > 0) || !(height > 0))
-        return {};
-    QPainterPath capsule;
-    capsule.addRoundedRect(QRectF(0, 0, width, height), height / 2, height / 2);
-    QPainterPath segment;
-    segment.addRect(QRectF(from, 0, to - from, height));
-    const QPainterPath part = capsule.intersected(segment);
-
-    QString svg;
-    for (int i = 0; i < part.elementCount(); ++i) {
-        const QPainterPath::Element e = part.elementAt(i);
-        switch (e.type) {
-        case QPainterPath::MoveToElement:
-            svg += QString::asprintf("M%.3f %.3f ", e.x, e.y);
-            break;
-        case QPainterPath::LineToElement:
-            svg += QString::asprintf("L%.3f %.3f ", e.x, e.y);
-            break;
-        case QPainterPath::CurveToElement: {
-            const QPainterPath::Element c2 = part.elementAt(i + 1);
-            const QPainterPath::Element end = part.elementAt(i + 2);
-            svg += QString::asprintf("C%.3f %.3f %.3f %.3f %.3f %.3f ", e.x, e.y, c2.x, c2.y, end.x,
-                                     end.y);
-            i += 2;
-            break;
-        }
-        case QPainterPath::CurveToDataElement:
-            break;
-        }
-    }
-    return svg + QLatin1Char('Z');
-}
-
-QString PopoverRulesObject::powerSegmentPath(int index, double cpu, double gpu, double ane,
-                                             double dram, double width, double height) {
-    const auto shares = PopoverRules::powerShares(cpu, gpu, ane, dram);
-    if (index < 0 || index >= static_cast<int>(shares.size()))
-        return {};
-    double start = 0;
-    for (int i = 0; i < index; ++i)
-        start += shares[static_cast<std::size_t>(i)] * width;
-    const double share = shares[static_cast<std::size_t>(index)];
-    return capsuleSegmentPath(start, start + share * width, width, height);
 }
 
 QStringList PopoverRulesObject::toggled(const QStringList& expanded, const QString& section) {

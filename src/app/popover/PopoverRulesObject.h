@@ -3,7 +3,6 @@
 #include <QColor>
 #include <QObject>
 #include <QStringList>
-#include <QVariantList>
 #include <QtQml/qqmlregistration.h>
 
 namespace quelmo {
@@ -34,17 +33,6 @@ public:
     Q_INVOKABLE static double processFillWidth(double trackWidth, double value, double maxValue);
     // A process's figure: "150%" for kind "cpu" (as the process table reports it), else mem(rss).
     Q_INVOKABLE static QString processValueText(const QString& kind, double cpu, double rss);
-    Q_INVOKABLE static QVariantList powerShares(double cpu, double gpu, double ane, double dram);
-    // An SVG path of the part [from, to] of a capsule `width` x `height` (a stacked bar's segment
-    // clipped to the bar's rounded ends).
-    Q_INVOKABLE static QString capsuleSegmentPath(double from, double to, double width,
-                                                  double height);
-
-    // Segment `index` of the stacked power bar (0 CPU, 1 GPU, 2 Neural Engine, 3 DRAM) as an SVG
-    // path; empty for any other index.
-    Q_INVOKABLE static QString powerSegmentPath(int index, double cpu, double gpu, double ane,
-                                                double dram, double width, double height);
-
     Q_INVOKABLE static QStringList toggled(const QStringList& expanded, const QString& section);
 
     Q_INVOKABLE static QStringList catStyles();

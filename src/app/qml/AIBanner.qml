@@ -31,8 +31,8 @@ T.AbstractButton {
     Keys.onReturnPressed: clicked()
     Keys.onEnterPressed: clicked()
 
-    TextTip {
-        visible: banner.hovered || banner.visualFocus
+    HoverTip {
+        shown: banner.hovered || banner.visualFocus
         text: Texts.seeHowItDecides
     }
 

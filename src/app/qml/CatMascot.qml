@@ -203,7 +203,8 @@ Item {
                 y: 2
                 spacing: 2.5
                 Repeater {
-                    model: [6, 8, 6]
+                    // Made only for the tabby: the other styles never show them.
+                    model: Rules.catStriped(mascot.styleRaw) ? [6, 8, 6] : []
                     Rectangle {
                         id: whisker
                         required property real modelData

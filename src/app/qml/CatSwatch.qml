@@ -23,8 +23,8 @@ T.AbstractButton {
     Keys.onReturnPressed: swatch.clicked()
     Accessible.onPressAction: swatch.clicked()
 
-    TextTip {
-        visible: swatch.hovered
+    HoverTip {
+        shown: swatch.hovered
         text: swatch.label
     }
 
@@ -41,7 +41,7 @@ T.AbstractButton {
             anchors.verticalCenterOffset: -2
             spacing: 3
             Repeater {
-                model: 2
+                model: Rules.catDotted(swatch.styleRaw) ? 2 : 0
                 Rectangle { width: 3; height: 3; radius: 1.5; color: Rules.grayMarks() }
             }
         }
@@ -50,7 +50,8 @@ T.AbstractButton {
             anchors.centerIn: parent
             spacing: 2.4
             Repeater {
-                model: [7, 9, 7]
+                // Made only for the styles that show them, like the dots above.
+                model: Rules.catStriped(swatch.styleRaw) ? [7, 9, 7] : []
                 Rectangle {
                     required property real modelData
                     width: 1.6

@@ -177,22 +177,25 @@ LiquidCard {
     Reveal {
         open: card.expanded
         gap: card.spacing
-        AIBanner {
-            feed: card.feed
-            showCriteria: card.showCriteria
-            onClicked: card.criteriaToggled()
-        }
-        Reveal {
-            open: card.showCriteria
-            duration: 200
-            gap: 8
-            // The gap between the banner and the panel, inside the part that opens.
-            Item {
-                width: 1
-                height: 8
-            }
-            CriteriaPanel {
+        Column {
+            width: parent.width
+            AIBanner {
                 feed: card.feed
+                showCriteria: card.showCriteria
+                onClicked: card.criteriaToggled()
+            }
+            Reveal {
+                open: card.showCriteria
+                duration: 200
+                gap: 8
+                // The gap between the banner and the panel, inside the part that opens.
+                Column {
+                    width: parent.width
+                    topPadding: 8
+                    CriteriaPanel {
+                        feed: card.feed
+                    }
+                }
             }
         }
     }
@@ -214,9 +217,10 @@ LiquidCard {
             loops: card.loops
         }
         DashLine {
-            x: 2
+            // From 2 to the width less 2, with a cap of 1 beyond either end.
+            x: 1
             y: mascot.height + 2
-            width: parent.width - 4
+            width: parent.width - 2
             height: 2
             color: Colours.faded(Colours.ink, 0.16)
             lineWidth: 2
@@ -229,59 +233,62 @@ LiquidCard {
     Reveal {
         open: card.expanded
         gap: card.spacing
-        UiText {
-            objectName: "nothingToClean"
-            visible: card.candidates.count === 0
+        Column {
             width: parent.width
-            text: Texts.nothingToCleanUp
-            secondary: true
-            font.pixelSize: 10
-            wrapMode: Text.Wrap
-        }
+            UiText {
+                objectName: "nothingToClean"
+                visible: card.candidates.count === 0
+                width: parent.width
+                text: Texts.nothingToCleanUp
+                secondary: true
+                font.pixelSize: 10
+                wrapMode: Text.Wrap
+            }
 
-        ListView {
-            id: rows
+            ListView {
+                id: rows
 
-            objectName: "candidateRows"
-            visible: count > 0
-            width: parent.width
-            height: visible ? contentHeight : 0
-            interactive: false
-            model: card.candidates
-            Accessible.role: Accessible.List
-            Accessible.name: Texts.cutPick
+                objectName: "candidateRows"
+                visible: count > 0
+                width: parent.width
+                height: visible ? contentHeight : 0
+                interactive: false
+                model: card.candidates
+                Accessible.role: Accessible.List
+                Accessible.name: Texts.cutPick
 
-            delegate: CandidateRow {
-                id: candidate
-                hovered: card.hoveredID === candidate.pid
-                advisorAvailable: card.feed.advisorAvailable
-                onHoverChanged: inside => {
-                    if (inside)
-                        card.hoverRequested(candidate.pid)
-                    else if (card.hoveredID === candidate.pid)
-                        card.hoverRequested(-1)
+                delegate: CandidateRow {
+                    id: candidate
+                    hovered: card.hoveredID === candidate.pid
+                    advisorAvailable: card.feed.advisorAvailable
+                    onHoverChanged: inside => {
+                        if (inside)
+                            card.hoverRequested(candidate.pid)
+                        else if (card.hoveredID === candidate.pid)
+                            card.hoverRequested(-1)
+                    }
+                    onCutPressed: card.cutRow(candidate.pid,
+                                              candidate.mapToItem(card, 0, candidate.height / 2).y)
                 }
-                onCutPressed: card.cutRow(candidate.pid,
-                                          candidate.mapToItem(card, 0, candidate.height / 2).y)
-            }
-            add: Transition {
-                NumberAnimation { property: "opacity"; from: 0; to: 1; duration: 250; easing.type: Easing.InOutQuad }
-            }
-            remove: Transition {
-                SpringAnimation {
-                    property: "leaving"
-                    to: 1
-                    spring: card.feed.cut.listSpring
-                    damping: card.feed.cut.listDamping
-                    epsilon: 0.02
+                add: Transition {
+                    NumberAnimation { property: "opacity"; from: 0; to: 1; duration: 250; easing.type: Easing.InOutQuad }
                 }
-            }
-            displaced: Transition {
-                SpringAnimation {
-                    property: "y"
-                    spring: card.feed.cut.listSpring
-                    damping: card.feed.cut.listDamping
-                    epsilon: 0.5
+                remove: Transition {
+                    SpringAnimation {
+                        property: "leaving"
+                        to: 1
+                        spring: card.feed.cut.listSpring
+                        damping: card.feed.cut.listDamping
+                        epsilon: 0.02
+                    }
+                }
+                displaced: Transition {
+                    SpringAnimation {
+                        property: "y"
+                        spring: card.feed.cut.listSpring
+                        damping: card.feed.cut.listDamping
+                        epsilon: 0.5
+                    }
                 }
             }
         }

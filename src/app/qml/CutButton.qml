@@ -30,8 +30,8 @@ T.AbstractButton {
     Keys.onReturnPressed: clicked()
     Keys.onEnterPressed: clicked()
 
-    TextTip {
-        visible: button.hovered || button.visualFocus
+    HoverTip {
+        shown: button.hovered || button.visualFocus
         text: button.tip
     }
 

@@ -68,8 +68,8 @@ Column {
             Accessible.onPressAction: bar.toggle()
             onClicked: bar.toggle()
 
-            TextTip {
-                visible: chevron.hovered
+            HoverTip {
+                shown: chevron.hovered
                 delay: 600
                 text: chevron.tip
             }

@@ -32,6 +32,10 @@ LiquidCard {
     }
 
     StackedPowerBar {
+        objectName: "powerBar"
+        width: parent.width
+        colors: [Colours.blue, Colours.lav, Colours.pink, Colours.gray]
+        trackColor: Colours.track
         cpu: card.readings.cpuWatts
         gpu: card.readings.gpuWatts
         ane: card.readings.aneWatts

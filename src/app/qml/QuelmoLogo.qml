@@ -140,7 +140,8 @@ Item {
                 y: 2
                 spacing: 3.5
                 Repeater {
-                    model: [9, 12, 9]
+                    // Made only for the tabby: the other styles never show them.
+                    model: logo.tabby ? [9, 12, 9] : []
                     Rectangle {
                         id: whisker
                         required property real modelData

@@ -63,8 +63,19 @@ QStringList visibleTexts(QQuickItem* root) {
     return texts;
 }
 
+// The item of that name in the visual tree (parts made on demand are not QObject children).
 QQuickItem* named(QQuickItem* root, const char* name) {
-    return root->findChild<QQuickItem*>(QString::fromLatin1(name));
+    QList<QQuickItem*> items;
+    collect(root, items);
+    for (QQuickItem* item : items)
+        if (item->objectName() == QLatin1String(name))
+            return item;
+    return nullptr;
+}
+
+bool shows(QQuickItem* root, const char* name) {
+    QQuickItem* item = named(root, name);
+    return item && item->isVisible() && item->opacity() > 0;
 }
 
 double topOf(QQuickItem* root, const char* name) {
@@ -105,8 +116,8 @@ TEST(PopoverRender, ReadingsAndTheirFormats) {
                                  "0.00 W", "4 cores", "Test Chip", "Updated every 1s", "Quit"})
         EXPECT_TRUE(texts.contains(QString::fromUtf8(expected))) << expected;
     // Collapsed: the per-core strip instead of the process list.
-    EXPECT_TRUE(named(preview.root(), "coreStrip")->isVisible());
-    EXPECT_FALSE(named(preview.root(), "topCPUList")->isVisible());
+    EXPECT_TRUE(shows(preview.root(), "coreStrip"));
+    EXPECT_FALSE(shows(preview.root(), "topCPUList"));
 }
 
 TEST(PopoverRender, ExpandedSectionsShowTheirProcesses) {
@@ -118,7 +129,7 @@ TEST(PopoverRender, ExpandedSectionsShowTheirProcesses) {
     EXPECT_TRUE(texts.contains("compiler"));
     EXPECT_TRUE(texts.contains("150%"));
     EXPECT_TRUE(texts.contains(QStringLiteral("Collecting…"))); // the empty memory list
-    EXPECT_FALSE(named(preview.root(), "coreStrip")->isVisible());
+    EXPECT_FALSE(shows(preview.root(), "coreStrip"));
 }
 
 TEST(PopoverRender, KoreanLabelsInKorean) {
@@ -182,6 +193,64 @@ TEST(PopoverRender, ProcessListsAlignTheirBarsAndFigures) {
     }
 }
 
+// The power bar splits its width by the watts, left to right in the components' colours: the
+// example's 1, 1, 0 and 2 W give a quarter blue, a quarter lavender, no pink, half gray.
+TEST(PopoverRender, PowerBarSplitsByTheWatts) {
+    PopoverPreview preview(PreviewState::fromJson(exampleState("en", "white")));
+    ASSERT_TRUE(preview.root()) << preview.errors().toStdString();
+    const QImage image = preview.render();
+    QQuickItem* bar = named(preview.root(), "powerBar");
+    ASSERT_TRUE(bar);
+    const QRectF area = bar->mapRectToItem(preview.root(), bar->boundingRect());
+    ASSERT_GT(area.width(), 100);
+    const qreal ratio = image.devicePixelRatio();
+    const int y = int((area.top() + area.height() / 2) * ratio);
+    const auto run = [&](QColor colour) {
+        QList<int> xs;
+        for (int x = int(area.left() * ratio); x < int(area.right() * ratio); ++x)
+            if (image.pixelColor(x, y).rgb() == colour.rgb())
+                xs.append(x);
+        return xs;
+    };
+    const double width = area.width() * ratio;
+    const QList<int> blue = run(QColor::fromRgbF(0.53f, 0.64f, 0.83f));
+    const QList<int> lav = run(QColor::fromRgbF(0.68f, 0.63f, 0.84f));
+    const QList<int> gray = run(QColor::fromRgbF(0.62f, 0.64f, 0.68f));
+    EXPECT_TRUE(run(QColor::fromRgbF(0.91f, 0.71f, 0.70f)).isEmpty());
+    ASSERT_FALSE(blue.isEmpty() || lav.isEmpty() || gray.isEmpty());
+    EXPECT_NEAR(static_cast<double>(blue.size()), width / 4, 2);
+    EXPECT_NEAR(static_cast<double>(lav.size()), width / 4, 2);
+    EXPECT_NEAR(static_cast<double>(gray.size()), width / 2, 2);
+    EXPECT_LT(blue.last(), lav.first());
+    EXPECT_LT(lav.last(), gray.first());
+}
+
+// Tooltips are made on demand: a swatch's shows its style's name after the delay, and goes with
+// the pointer.
+TEST(PopoverRender, TooltipsAreMadeWhenWanted) {
+    PopoverPreview preview(PreviewState::fromJson(exampleState("en", "white")));
+    ASSERT_TRUE(preview.root()) << preview.errors().toStdString();
+    preview.render();
+    QQuickItem* swatch = named(preview.root(), "swatch-black");
+    ASSERT_TRUE(swatch);
+    QQuickItem* tip = nullptr;
+    for (QQuickItem* child : swatch->childItems())
+        if (QString::fromLatin1(child->metaObject()->className()).startsWith("HoverTip"))
+            tip = child;
+    ASSERT_TRUE(tip);
+    EXPECT_FALSE(tip->property("popup").value<QObject*>());
+
+    tip->setProperty("shown", true);
+    QObject* popup = tip->property("popup").value<QObject*>();
+    ASSERT_TRUE(popup);
+    EXPECT_EQ(popup->property("text").toString(), swatch->property("label").toString());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return popup->property("visible").toBool(); }, 2000));
+    EXPECT_EQ(popup->property("parent").value<QQuickItem*>(), swatch);
+
+    tip->setProperty("shown", false);
+    EXPECT_FALSE(tip->property("popup").value<QObject*>());
+}
+
 // Pixels of the logo within a few levels of `colour`.
 int logoPixelsOf(PopoverPreview& preview, QColor colour) {
     const QImage image = preview.render();
@@ -216,11 +285,6 @@ QJsonObject cleanupState(const char* name) {
     QFile file(QStringLiteral(QUELMO_PREVIEW_STATES "/%1.json").arg(QLatin1String(name)));
     EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name;
     return QJsonDocument::fromJson(file.readAll()).object();
-}
-
-bool shows(QQuickItem* root, const char* name) {
-    QQuickItem* item = named(root, name);
-    return item && item->isVisible() && item->opacity() > 0;
 }
 
 // Pixels within `item` close to `colour` (blended colours count when within `tolerance`).
