@@ -105,16 +105,19 @@ bool Glide::settled(State state) const {
 void Glide::jumpTo(double value) {
     const bool wasMoving = moving();
     driver_->stop();
-    setValue({value, 0});
+    setValue({value, 0}, true);
     if (wasMoving)
         emit movingChanged();
 }
 
-void Glide::setValue(State state) {
-    const bool changed = state.value != now_.value;
+void Glide::setValue(State state, bool landing) {
     now_ = state;
-    if (changed)
-        emit valueChanged();
+    if (state.value == shown_)
+        return;
+    if (!landing && pixelsPerUnit_ > 0 && std::abs(state.value - shown_) * pixelsPerUnit_ < 0.5)
+        return;
+    shown_ = state.value;
+    emit valueChanged();
 }
 
 void Glide::setResponse(double seconds) {
@@ -142,6 +145,13 @@ void Glide::setEpsilon(double epsilon) {
     if (epsilon == epsilon_)
         return;
     epsilon_ = epsilon;
+    emit motionChanged();
+}
+
+void Glide::setPixelsPerUnit(double pixels) {
+    if (pixels == pixelsPerUnit_)
+        return;
+    pixelsPerUnit_ = pixels;
     emit motionChanged();
 }
 

@@ -11,7 +11,9 @@ namespace quelmo {
 // over `durationMs`. It moves on Qt's animation timer, so at the display's frame rate, and only
 // while it moves: once within `epsilon` of the target and all but still, it stops there. A new
 // target in mid-move starts from where the value is, at the speed it has. Not `animated` (off
-// screen), it follows at once.
+// screen), it follows at once. Given `pixelsPerUnit` (how far its drawing moves per unit of
+// value), `value` is told only once it has moved half a pixel from what was last told, so the
+// slow ends of a move draw only the frames that show a change; it always lands on the target.
 class Glide : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -22,6 +24,7 @@ class Glide : public QObject {
         double dampingFraction READ dampingFraction WRITE setDampingFraction NOTIFY motionChanged)
     Q_PROPERTY(int durationMs READ durationMs WRITE setDurationMs NOTIFY motionChanged)
     Q_PROPERTY(double epsilon READ epsilon WRITE setEpsilon NOTIFY motionChanged)
+    Q_PROPERTY(double pixelsPerUnit READ pixelsPerUnit WRITE setPixelsPerUnit NOTIFY motionChanged)
     Q_PROPERTY(bool animated READ animated WRITE setAnimated NOTIFY animatedChanged)
     Q_PROPERTY(bool moving READ moving NOTIFY movingChanged)
 
@@ -41,7 +44,8 @@ public:
 
     double target() const { return target_; }
     void setTarget(double target);
-    double value() const { return now_.value; }
+    // The value as last told (see pixelsPerUnit).
+    double value() const { return shown_; }
     double response() const { return response_; }
     void setResponse(double seconds);
     double dampingFraction() const { return damping_; }
@@ -50,6 +54,8 @@ public:
     void setDurationMs(int ms);
     double epsilon() const { return epsilon_; }
     void setEpsilon(double epsilon);
+    double pixelsPerUnit() const { return pixelsPerUnit_; }
+    void setPixelsPerUnit(double pixels);
     bool animated() const { return animated_; }
     void setAnimated(bool animated);
     bool moving() const;
@@ -68,7 +74,8 @@ private:
     class Driver;
 
     void jumpTo(double value);
-    void setValue(State state);
+    // Moves to `state`; told when it shows (or, `landing`, whenever it changes).
+    void setValue(State state, bool landing = false);
     bool settled(State state) const;
 
     Driver* driver_;
@@ -85,6 +92,8 @@ private:
     double damping_ = 1;
     int durationMs_ = 250;
     double epsilon_ = 0.25;
+    double pixelsPerUnit_ = 0; // 0: every change is told
+    double shown_ = 0;
     bool animated_ = true;
 };
 

@@ -93,6 +93,7 @@ Item {
             dampingFraction: mind.motionDamping
             durationMs: mind.motionMs
             target: mind.lookDown ? 0 : mind.x
+            pixelsPerUnit: 1.1 // shifted by x and tilted by x / 10 degrees, 64 high
         }
         readonly property Glide lookGlide: Glide {
             animated: mind.active
@@ -101,6 +102,7 @@ Item {
             durationMs: mind.motionMs
             epsilon: 0.05
             target: mind.look
+            pixelsPerUnit: 3 // the head's turn
         }
         readonly property Glide restGlide: Glide {
             animated: mind.active
@@ -109,6 +111,7 @@ Item {
             durationMs: mind.motionMs
             epsilon: 0.05
             target: mind.resting ? 1 : 0
+            pixelsPerUnit: 2 // lowered by 2
         }
         readonly property Glide lookDownGlide: Glide {
             animated: mind.active
@@ -117,6 +120,7 @@ Item {
             durationMs: mind.motionMs
             epsilon: 0.05
             target: mind.lookDown ? 1 : 0
+            pixelsPerUnit: 3 // the head's drop
         }
 
         // Body

@@ -46,6 +46,32 @@ TEST(GlideMotion, SpringsOvershootByTheirDampingAndEasesLandExactly) {
     EXPECT_DOUBLE_EQ(Glide::easedAt(0, 2, 0, 0).value, 2);
 }
 
+// With the drawing's scale given, the value is told only in half-pixel moves: the slow ends of a
+// spring draw far fewer frames, and the move still lands exactly on the target.
+TEST(GlideMotion, TellsOnlyChangesOfHalfAPixelAndLandsOnTheTarget) {
+    Glide everyFrame, halfPixel;
+    for (Glide* glide : {&everyFrame, &halfPixel}) {
+        glide->setResponse(0.5);
+        glide->setDampingFraction(0.62);
+        glide->setTarget(60);
+    }
+    halfPixel.setPixelsPerUnit(1);
+    QSignalSpy all(&everyFrame, &Glide::valueChanged);
+    QList<double> told;
+    QObject::connect(&halfPixel, &Glide::valueChanged, [&] { told << halfPixel.value(); });
+    for (int ms = 16; halfPixel.moving() || everyFrame.moving(); ms += 16) {
+        everyFrame.advanceTo(ms);
+        halfPixel.advanceTo(ms);
+        ASSERT_LT(ms, 3000);
+    }
+    ASSERT_FALSE(told.isEmpty());
+    EXPECT_EQ(told.last(), 60);
+    EXPECT_EQ(halfPixel.value(), 60);
+    for (qsizetype i = 1; i + 1 < told.size(); ++i)
+        EXPECT_GE(std::abs(told[i] - told[i - 1]), 0.5);
+    EXPECT_LT(told.size(), all.count() * 3 / 4);
+}
+
 TEST(GlideMotion, MovesOnTheAnimationTimerOnlyUntilItSettles) {
     Glide glide;
     glide.setResponse(0.2);
