@@ -127,19 +127,24 @@ def xserver_pid():
     raise RuntimeError("no Xvfb in the session")
 
 
-def run_reference(session, xserver, seconds):
-    proc = session.spawn(PRIORITY + REFERENCE)
+def run_window_program(session, xserver, argv, window, seconds):
+    # Measures `argv` once its window (xdotool search terms) shows and has settled.
+    proc = session.spawn(PRIORITY + argv)
     try:
-        wait_until(lambda: session.run(["xdotool", "search", "--onlyvisible", "--class",
-                                        "gnome-system-monitor"]).stdout.strip(), 60,
-                   "gnome-system-monitor's window")
+        wait_until(lambda: session.run(["xdotool", "search", "--onlyvisible", *window])
+                   .stdout.strip(), 60, f"{argv[0]}'s window")
         time.sleep(SETTLE_SECONDS)
         if proc.poll() is not None:
-            raise RuntimeError(f"gnome-system-monitor ended with {proc.returncode}")
+            raise RuntimeError(f"{argv[0]} ended with {proc.returncode}")
         return measure(proc.pid, xserver, seconds)
     finally:
         proc.terminate()
         proc.wait(20)
+
+
+def run_reference(session, xserver, seconds):
+    return run_window_program(session, xserver, REFERENCE, ["--class", "gnome-system-monitor"],
+                              seconds)
 
 
 def line(what, m, baseline=None):
@@ -173,18 +178,8 @@ def floor_program(binary):
 
 
 def run_floor(session, xserver, program, seconds):
-    proc = session.spawn(PRIORITY + [program])
-    try:
-        wait_until(lambda: session.run(["xdotool", "search", "--onlyvisible", "--name",
-                                        "quelmo_quick_floor"]).stdout.strip(), 60,
-                   "the floor's window")
-        time.sleep(SETTLE_SECONDS)
-        if proc.poll() is not None:
-            raise RuntimeError(f"quelmo_quick_floor ended with {proc.returncode}")
-        return measure(proc.pid, xserver, seconds)
-    finally:
-        proc.terminate()
-        proc.wait(20)
+    return run_window_program(session, xserver, [program], ["--name", "quelmo_quick_floor"],
+                              seconds)
 
 
 def main():

@@ -1,26 +1,13 @@
 #include "app/popover/CardDrawings.h"
 
 #include "app/popover/PopoverRules.h"
+#include "app/popover/RepaintOnChange.h"
 
 #include <QPainter>
 #include <QPainterPath>
 #include <algorithm>
 
 namespace quelmo {
-
-namespace {
-
-// Sets `field` and repaints when the value is new.
-template <typename T>
-void setAndRepaint(QQuickPaintedItem& item, T& field, const T& value, auto changed) {
-    if (field == value)
-        return;
-    field = value;
-    item.update();
-    changed();
-}
-
-} // namespace
 
 DashLine::DashLine(QQuickItem* parent) : QQuickPaintedItem(parent) {
     setAntialiasing(true);

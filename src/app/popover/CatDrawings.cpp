@@ -1,23 +1,11 @@
 #include "app/popover/CatDrawings.h"
 
+#include "app/popover/RepaintOnChange.h"
+
 #include <QPainter>
 #include <QPainterPath>
 
 namespace quelmo {
-
-namespace {
-
-// Sets `field` and repaints when the value is new.
-template <typename T>
-void setAndRepaint(QQuickPaintedItem& item, T& field, const T& value, auto changed) {
-    if (field == value)
-        return;
-    field = value;
-    item.update();
-    changed();
-}
-
-} // namespace
 
 EarDrawing::EarDrawing(QQuickItem* parent) : QQuickPaintedItem(parent) {
     setAntialiasing(true);
