@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <utility>
 
 namespace quelmo {
 
@@ -121,38 +122,28 @@ void Glide::setValue(State state, bool landing) {
 }
 
 void Glide::setResponse(double seconds) {
-    if (seconds == response_)
-        return;
-    response_ = seconds;
-    emit motionChanged();
+    if (std::exchange(response_, seconds) != seconds)
+        emit motionChanged();
 }
 
 void Glide::setDampingFraction(double fraction) {
-    if (fraction == damping_)
-        return;
-    damping_ = fraction;
-    emit motionChanged();
+    if (std::exchange(damping_, fraction) != fraction)
+        emit motionChanged();
 }
 
 void Glide::setDurationMs(int ms) {
-    if (ms == durationMs_)
-        return;
-    durationMs_ = ms;
-    emit motionChanged();
+    if (std::exchange(durationMs_, ms) != ms)
+        emit motionChanged();
 }
 
 void Glide::setEpsilon(double epsilon) {
-    if (epsilon == epsilon_)
-        return;
-    epsilon_ = epsilon;
-    emit motionChanged();
+    if (std::exchange(epsilon_, epsilon) != epsilon)
+        emit motionChanged();
 }
 
 void Glide::setPixelsPerUnit(double pixels) {
-    if (pixels == pixelsPerUnit_)
-        return;
-    pixelsPerUnit_ = pixels;
-    emit motionChanged();
+    if (std::exchange(pixelsPerUnit_, pixels) != pixels)
+        emit motionChanged();
 }
 
 void Glide::setAnimated(bool animated) {

@@ -4,6 +4,7 @@
 #include "app/popover/PopoverRules.h"
 
 #include <cmath>
+#include <utility>
 
 namespace quelmo {
 
@@ -108,10 +109,8 @@ void Loop::changed() {
 }
 
 void Loop::setPhase(double phase) {
-    if (phase == phase_)
-        return;
-    phase_ = phase;
-    emit phaseChanged();
+    if (std::exchange(phase_, phase) != phase)
+        emit phaseChanged();
 }
 
 } // namespace quelmo

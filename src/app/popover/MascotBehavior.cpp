@@ -1,6 +1,7 @@
 #include "app/popover/MascotBehavior.h"
 
 #include <QRandomGenerator>
+#include <utility>
 
 namespace quelmo {
 
@@ -152,65 +153,57 @@ void MascotBehavior::cancelCut() {
     cutSteps_.clear();
 }
 
-int MascotBehavior::motionMs() const {
-    switch (motion_) {
+namespace {
+
+// How each kind of pose change moves: eased over `ms`, or on a spring when `response` is set.
+struct MotionShape {
+    int ms;
+    double response;
+    double damping;
+};
+
+MotionShape shapeOf(MascotBehavior::Motion motion) {
+    using Motion = MascotBehavior::Motion;
+    switch (motion) {
     case Motion::wander:
-        return 500;
+        return {500, 0.5, 0.62};
     case Motion::wake:
-        return 600;
+        return {600, 0, 1};
     case Motion::aim:
-        return 100;
+        return {100, 0, 1};
     case Motion::lookUp:
-        return 450;
+        return {450, 0.45, 0.6};
     }
-    return 0;
+    return {0, 0, 1};
+}
+
+} // namespace
+
+int MascotBehavior::motionMs() const {
+    return shapeOf(motion_).ms;
 }
 
 double MascotBehavior::motionResponse() const {
-    switch (motion_) {
-    case Motion::wander:
-        return 0.5;
-    case Motion::lookUp:
-        return 0.45;
-    case Motion::wake:
-    case Motion::aim:
-        break;
-    }
-    return 0;
+    return shapeOf(motion_).response;
 }
 
 double MascotBehavior::motionDamping() const {
-    switch (motion_) {
-    case Motion::wander:
-        return 0.62;
-    case Motion::lookUp:
-        return 0.6;
-    case Motion::wake:
-    case Motion::aim:
-        break;
-    }
-    return 1;
+    return shapeOf(motion_).damping;
 }
 
 void MascotBehavior::setMotion(Motion motion) {
-    if (motion == motion_)
-        return;
-    motion_ = motion;
-    emit motionChanged();
+    if (std::exchange(motion_, motion) != motion)
+        emit motionChanged();
 }
 
 void MascotBehavior::setBlink(bool on) {
-    if (on == blink_)
-        return;
-    blink_ = on;
-    emit blinkChanged();
+    if (std::exchange(blink_, on) != on)
+        emit blinkChanged();
 }
 
 void MascotBehavior::setBladeClose(bool closed) {
-    if (closed == bladeClose_)
-        return;
-    bladeClose_ = closed;
-    emit bladeCloseChanged();
+    if (std::exchange(bladeClose_, closed) != closed)
+        emit bladeCloseChanged();
 }
 
 } // namespace quelmo

@@ -1,19 +1,17 @@
 #include "app/popover/PopoverViewState.h"
 
+#include <utility>
+
 namespace quelmo {
 
 void PopoverViewState::setExpanded(const QStringList& sections) {
-    if (sections == expanded_)
-        return;
-    expanded_ = sections;
-    emit expandedChanged();
+    if (std::exchange(expanded_, sections) != sections)
+        emit expandedChanged();
 }
 
 void PopoverViewState::setShowCriteria(bool shown) {
-    if (shown == showCriteria_)
-        return;
-    showCriteria_ = shown;
-    emit showCriteriaChanged();
+    if (std::exchange(showCriteria_, shown) != shown)
+        emit showCriteriaChanged();
 }
 
 } // namespace quelmo
