@@ -83,7 +83,7 @@ double topOf(QQuickItem* root, const char* name) {
     return item ? item->mapToItem(root, QPointF(0, 0)).y() : -1;
 }
 
-TEST(PopoverRender, CardsStackInOrderAtTheDesignedWidth) {
+TEST(PopoverRender, CardsStackInOrderWithTheirReadingsFormatted) {
     PopoverPreview preview(PreviewState::fromJson(exampleState("en", "white")));
     ASSERT_TRUE(preview.root()) << preview.errors().toStdString();
     preview.render();
@@ -101,12 +101,7 @@ TEST(PopoverRender, CardsStackInOrderAtTheDesignedWidth) {
     // As tall as the content: no screen, so the limit is 740.
     EXPECT_EQ(root->height(), root->property("contentHeight").toDouble());
     EXPECT_LE(root->height(), 740);
-}
 
-TEST(PopoverRender, ReadingsAndTheirFormats) {
-    PopoverPreview preview(PreviewState::fromJson(exampleState("en", "white")));
-    ASSERT_TRUE(preview.root()) << preview.errors().toStdString();
-    preview.render();
     const QStringList texts = visibleTexts(preview.root());
     for (const char* expected : {"12.0 / 16.0 GB", "75%", "23%", "4.0 W", "4.00 W", "1.00 W",
                                  "0.00 W", "4 cores", "Test Chip", "Updated every 1s", "Quit"})
