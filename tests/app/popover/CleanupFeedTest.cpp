@@ -1,7 +1,6 @@
 #include "app/popover/CleanupFeed.h"
 
 #include "core/metrics/SystemMetrics.h"
-#include "core/settings/AppLang.h"
 #include "support/FakePlatform.h"
 #include "support/TempSettings.h"
 
@@ -19,10 +18,6 @@ CleanupCandidate idleApp(qint64 pid, const QString& name, double minutes) {
     c.reason = CleanupReason::idleApp;
     c.idleMinutes = minutes;
     return c;
-}
-
-QString rowText(CleanupFeed& feed, int row, int role) {
-    return feed.candidates()->data(feed.candidates()->index(row), role).toString();
 }
 
 } // namespace
@@ -47,23 +42,6 @@ TEST(CleanupFeedTest, FollowsTheHub) {
     EXPECT_TRUE(hub.cuttingPIDs().contains(41));
     EXPECT_TRUE(hub.cuttingPIDs().contains(42));
     EXPECT_EQ(feed.cut()->cutTrigger(), 1);
-}
-
-// The rows' texts follow the interface language from the next update on.
-TEST(CleanupFeedTest, TextsFollowTheLanguage) {
-    AppLang::setPreferredLanguagesSource([] { return QStringList{"en-US"}; });
-    CleanupFeed feed([](const QList<ProcessIdentity>&) {});
-    feed.setCandidates({idleApp(7, "mail", 125)}, {});
-    EXPECT_EQ(rowText(feed, 0, CandidateListModel::IdleDetailRole),
-              "Last used 2h 5m ago · no window");
-
-    AppLang::setPreferredLanguagesSource([] { return QStringList{"ko-KR"}; });
-    feed.refreshLanguage();
-    EXPECT_EQ(feed.language(), Language::korean);
-    EXPECT_EQ(rowText(feed, 0, CandidateListModel::IdleDetailRole),
-              "마지막 사용 2시간 5분 전 · 창 없음");
-    EXPECT_EQ(rowText(feed, 0, CandidateListModel::ReasonLabelRole), "안 쓰는 앱");
-    AppLang::setPreferredLanguagesSource({});
 }
 
 namespace {

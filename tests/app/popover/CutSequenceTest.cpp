@@ -40,14 +40,18 @@ QList<ProcessIdentity> listedAll(std::initializer_list<qint64> pids) {
 }
 using Cuts = QList<QList<ProcessIdentity>>;
 
-} // namespace
-
-TEST(CutSequenceTest, JourneyToTheRowThenSnipThenQuitThenBack) {
+// A sequence on the manual clock that notes each quit request it makes.
+class CutSequenceTest : public ::testing::Test {
+protected:
     ManualClock clock;
     Cuts terminated;
-    CutSequence cut([&](const QList<ProcessIdentity>& targets) { terminated.append(targets); },
-                    listed, clock.schedule());
+    CutSequence cut{[this](const QList<ProcessIdentity>& targets) { terminated.append(targets); },
+                    listed, clock.schedule()};
+};
 
+} // namespace
+
+TEST_F(CutSequenceTest, JourneyToTheRowThenSnipThenQuitThenBack) {
     cut.executeCut(listedAll({8}), 8, rows);
     EXPECT_EQ(cut.catTravelY(), 131 - 40 - 22);
     EXPECT_EQ(cut.cutTrigger(), 0);
@@ -71,12 +75,7 @@ TEST(CutSequenceTest, JourneyToTheRowThenSnipThenQuitThenBack) {
 // A row too close to the lane, one whose place is unknown, and every "Cut all": the snip and the
 // quit request come at once, with nothing left for later; "Cut all" asks only what is not yet
 // being cut.
-TEST(CutSequenceTest, NoJourneyCutsAtOnce) {
-    ManualClock clock;
-    Cuts terminated;
-    CutSequence cut([&](const QList<ProcessIdentity>& targets) { terminated.append(targets); },
-                    listed, clock.schedule());
-
+TEST_F(CutSequenceTest, NoJourneyCutsAtOnce) {
     cut.executeCut(listedAll({7}), 7, rows);
     cut.executeCut(listedAll({9}), 9, rows);
     cut.executeCut(listedAll({7, 8, 9}), std::nullopt, rows);
@@ -94,7 +93,7 @@ TEST(CutSequenceTest, NoJourneyCutsAtOnce) {
 // The QML entry point: pids and positions as QML hands them over. Each pid becomes the process
 // its row shows at the press, and that process is what is asked to quit at the end of the
 // journey, even if by then the row (and the pid) belong to a process started later.
-TEST(CutSequenceTest, TakesQmlValuesAndKeepsTheProcessesOfThePress) {
+TEST(CutSequenceOwnClock, TakesQmlValuesAndKeepsTheProcessesOfThePress) {
     ManualClock clock;
     Cuts terminated;
     QHash<qint64, ProcessIdentity> shown{{8, {8, 1008}}, {3, {3, 1003}}};
@@ -114,7 +113,7 @@ TEST(CutSequenceTest, TakesQmlValuesAndKeepsTheProcessesOfThePress) {
 }
 
 // Steps that come due after the sequence is gone do nothing.
-TEST(CutSequenceTest, LaterStepsOutliveNothing) {
+TEST(CutSequenceOwnClock, LaterStepsOutliveNothing) {
     ManualClock clock;
     int terminations = 0;
     {
@@ -127,12 +126,7 @@ TEST(CutSequenceTest, LaterStepsOutliveNothing) {
 }
 
 // A double click on Cut, or Cut all right after a row's Cut: each process is asked once.
-TEST(CutSequenceTest, APidPressedAgainIsNotCutTwice) {
-    ManualClock clock;
-    Cuts terminated;
-    CutSequence cut([&](const QList<ProcessIdentity>& targets) { terminated.append(targets); },
-                    listed, clock.schedule());
-
+TEST_F(CutSequenceTest, APidPressedAgainIsNotCutTwice) {
     cut.executeCut(listedAll({8}), 8, rows);
     cut.executeCut(listedAll({8}), 8, rows);
     cut.executeCut(listedAll({7, 8}), std::nullopt, rows);

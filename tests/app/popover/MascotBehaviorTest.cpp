@@ -47,26 +47,23 @@ private:
     Token next_ = 1;
 };
 
+// The next draw from `queue`; an empty queue draws the middle value.
+template <typename T> auto drawFrom(std::deque<T>& queue) {
+    return [&queue](T lo, T hi) {
+        if (queue.empty())
+            return (lo + hi) / 2;
+        const T drawn = queue.front();
+        queue.pop_front();
+        return drawn;
+    };
+}
+
 class MascotBehaviorTest : public ::testing::Test {
 protected:
-    // Draws come from these queues; an empty queue draws the middle value.
     std::deque<double> reals;
     std::deque<int> wholes;
     HandClock clock;
-    MascotBehavior cat{clock, MascotBehavior::Random{[this](double lo, double hi) {
-                                                         if (reals.empty())
-                                                             return (lo + hi) / 2;
-                                                         const double r = reals.front();
-                                                         reals.pop_front();
-                                                         return r;
-                                                     },
-                                                     [this](int lo, int hi) {
-                                                         if (wholes.empty())
-                                                             return (lo + hi) / 2;
-                                                         const int w = wholes.front();
-                                                         wholes.pop_front();
-                                                         return w;
-                                                     }}};
+    MascotBehavior cat{clock, MascotBehavior::Random{drawFrom(reals), drawFrom(wholes)}};
 };
 
 TEST_F(MascotBehaviorTest, SleepsWithoutTargets) {

@@ -32,7 +32,6 @@ protected:
 TEST_F(PopoverContextTest, LanguageChoiceIsStoredAndAsksAgain) {
     PopoverContext context(hooks());
     EXPECT_EQ(context.langRaw(), "auto");
-    EXPECT_EQ(context.langChoices(), QStringList({"auto", "ko", "en"}));
 
     context.setLangRaw("ko");
     EXPECT_EQ(Preferences::langRaw(), "ko");
@@ -45,11 +44,8 @@ TEST_F(PopoverContextTest, LanguageChoiceIsStoredAndAsksAgain) {
 
 TEST_F(PopoverContextTest, CatStyleIsStoredAndSeenFromElsewhere) {
     PopoverContext context(hooks());
-    QSignalSpy style(&context, &PopoverContext::catStyleRawChanged);
     context.setCatStyleRaw("black");
     EXPECT_EQ(Preferences::catStyleRaw(), "black");
-    context.setCatStyleRaw("black");
-    EXPECT_EQ(style.count(), 1);
 
     Preferences::setCatStyleRaw("cheese");
     context.reload();

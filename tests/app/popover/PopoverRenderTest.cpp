@@ -83,34 +83,25 @@ double topOf(QQuickItem* root, const char* name) {
     return item ? item->mapToItem(root, QPointF(0, 0)).y() : -1;
 }
 
-TEST(PopoverRender, CardsStackInOrderAtTheDesignedWidth) {
+TEST(PopoverRender, CardsStackInOrderWithTheirReadingsFormatted) {
     PopoverPreview preview(PreviewState::fromJson(exampleState("en", "white")));
     ASSERT_TRUE(preview.root()) << preview.errors().toStdString();
-    const QImage image = preview.render();
+    preview.render();
     QQuickItem* root = preview.root();
-    EXPECT_EQ(image.width(), 320 * image.devicePixelRatio());
-
     const double header = topOf(root, "header");
     const double cleanup = topOf(root, "cleanupCardSlot");
     const double metrics = topOf(root, "metricsSection");
     const double power = topOf(root, "powerCard");
     const double footer = topOf(root, "footer");
-    EXPECT_EQ(header, 16);
     EXPECT_LE(header, cleanup);
     EXPECT_LT(cleanup, metrics);
     EXPECT_LT(metrics, power);
     EXPECT_LT(power, footer);
-    EXPECT_EQ(named(root, "metricsSection")->width(), 320 - 32);
 
     // As tall as the content: no screen, so the limit is 740.
     EXPECT_EQ(root->height(), root->property("contentHeight").toDouble());
     EXPECT_LE(root->height(), 740);
-}
 
-TEST(PopoverRender, ReadingsAndTheirFormats) {
-    PopoverPreview preview(PreviewState::fromJson(exampleState("en", "white")));
-    ASSERT_TRUE(preview.root()) << preview.errors().toStdString();
-    preview.render();
     const QStringList texts = visibleTexts(preview.root());
     for (const char* expected : {"12.0 / 16.0 GB", "75%", "23%", "4.0 W", "4.00 W", "1.00 W",
                                  "0.00 W", "4 cores", "Test Chip", "Updated every 1s", "Quit"})
@@ -120,41 +111,21 @@ TEST(PopoverRender, ReadingsAndTheirFormats) {
     EXPECT_FALSE(shows(preview.root(), "topCPUList"));
 }
 
-TEST(PopoverRender, ExpandedSectionsShowTheirProcesses) {
-    PopoverPreview preview(
-        PreviewState::fromJson(exampleState("en", "white", QJsonArray{"cpu", "memory"})));
-    ASSERT_TRUE(preview.root()) << preview.errors().toStdString();
-    preview.render();
-    const QStringList texts = visibleTexts(preview.root());
-    EXPECT_TRUE(texts.contains("compiler"));
-    EXPECT_TRUE(texts.contains("150%"));
-    EXPECT_TRUE(texts.contains(QStringLiteral("Collecting…"))); // the empty memory list
-    EXPECT_FALSE(shows(preview.root(), "coreStrip"));
-}
-
-TEST(PopoverRender, KoreanLabelsInKorean) {
-    PopoverPreview preview(PreviewState::fromJson(exampleState("ko", "white")));
-    ASSERT_TRUE(preview.root()) << preview.errors().toStdString();
-    preview.render();
-    const QStringList texts = visibleTexts(preview.root());
-    for (const char* expected :
-         {"언어", "고양이", "로그인 시 자동 실행", "1초마다 갱신", "종료", "한국어"})
-        EXPECT_TRUE(texts.contains(QString::fromUtf8(expected))) << expected;
-    EXPECT_FALSE(texts.contains("Quit"));
-    EXPECT_FALSE(texts.contains("Language"));
-}
-
 // The process lists: one name column, so equal values draw equal bars whatever the names; figures
 // in digits of one width, so they do not jitter as they change; a name cut to the column tells
 // its whole self to the pointer and to assistive technologies.
 TEST(PopoverRender, ProcessListsAlignTheirBarsAndFigures) {
-    QJsonObject state = exampleState("en", "white", QJsonArray{"cpu"});
+    QJsonObject state = exampleState("en", "white", QJsonArray{"cpu", "memory"});
     const QString longName = QStringLiteral("a-process-with-a-name-far-too-long-for-its-column");
     state.insert("topCPU", QJsonArray{QJsonObject{{"pid", 11}, {"name", "sh"}, {"cpu", 50.0}},
                                       QJsonObject{{"pid", 12}, {"name", longName}, {"cpu", 50.0}}});
     PopoverPreview preview(PreviewState::fromJson(state));
     ASSERT_TRUE(preview.root()) << preview.errors().toStdString();
     preview.render();
+    const QStringList texts = visibleTexts(preview.root());
+    EXPECT_TRUE(texts.contains("50%"));
+    EXPECT_TRUE(texts.contains(QStringLiteral("Collecting…"))); // the empty memory list
+    EXPECT_FALSE(shows(preview.root(), "coreStrip"));
 
     QList<QQuickItem*> items;
     collect(preview.root(), items);
@@ -251,22 +222,27 @@ TEST(PopoverRender, TooltipsAreMadeWhenWanted) {
     EXPECT_FALSE(tip->property("popup").value<QObject*>());
 }
 
-// Pixels of the logo within a few levels of `colour`.
-int logoPixelsOf(PopoverPreview& preview, QColor colour) {
-    const QImage image = preview.render();
-    QQuickItem* logo = named(preview.root(), "logo");
-    const QRectF area = logo->mapRectToItem(preview.root(), logo->boundingRect());
+// Pixels within `item` close to `colour` (blended colours count when within `tolerance`).
+int pixelsNear(const QImage& image, QQuickItem* root, QQuickItem* item, QColor colour,
+               int tolerance) {
+    const QRectF area = item->mapRectToItem(root, item->boundingRect());
     const qreal ratio = image.devicePixelRatio();
     int count = 0;
     for (int y = int(area.top() * ratio); y < int(area.bottom() * ratio); ++y)
         for (int x = int(area.left() * ratio); x < int(area.right() * ratio); ++x) {
             const QColor pixel = image.pixelColor(x, y);
-            if (std::abs(pixel.red() - colour.red()) <= 3 &&
-                std::abs(pixel.green() - colour.green()) <= 3 &&
-                std::abs(pixel.blue() - colour.blue()) <= 3)
+            if (std::abs(pixel.red() - colour.red()) <= tolerance &&
+                std::abs(pixel.green() - colour.green()) <= tolerance &&
+                std::abs(pixel.blue() - colour.blue()) <= tolerance)
                 ++count;
         }
     return count;
+}
+
+// Pixels of the logo within a few levels of `colour`.
+int logoPixelsOf(PopoverPreview& preview, QColor colour) {
+    const QImage image = preview.render();
+    return pixelsNear(image, preview.root(), named(preview.root(), "logo"), colour, 3);
 }
 
 TEST(PopoverRender, TheLogoWearsTheChosenFur) {
@@ -285,23 +261,6 @@ QJsonObject cleanupState(const char* name) {
     QFile file(QStringLiteral(QUELMO_PREVIEW_STATES "/%1.json").arg(QLatin1String(name)));
     EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name;
     return QJsonDocument::fromJson(file.readAll()).object();
-}
-
-// Pixels within `item` close to `colour` (blended colours count when within `tolerance`).
-int pixelsNear(const QImage& image, QQuickItem* root, QQuickItem* item, QColor colour,
-               int tolerance) {
-    const QRectF area = item->mapRectToItem(root, item->boundingRect());
-    const qreal ratio = image.devicePixelRatio();
-    int count = 0;
-    for (int y = int(area.top() * ratio); y < int(area.bottom() * ratio); ++y)
-        for (int x = int(area.left() * ratio); x < int(area.right() * ratio); ++x) {
-            const QColor pixel = image.pixelColor(x, y);
-            if (std::abs(pixel.red() - colour.red()) <= tolerance &&
-                std::abs(pixel.green() - colour.green()) <= tolerance &&
-                std::abs(pixel.blue() - colour.blue()) <= tolerance)
-                ++count;
-        }
-    return count;
 }
 
 TEST(CleanupCardRender, EmptyCardSaysSoWithoutCountOrCutAll) {
@@ -480,7 +439,11 @@ TEST(CleanupCardRender, KoreanCardTurnsEnglishAtOnce) {
                             "주의",
                             "종료",
                             "마지막 사용 2시간 5분 전 · 창 없음",
-                            "어떻게 '안 쓰는 것'만 고르나"};
+                            "어떻게 '안 쓰는 것'만 고르나",
+                            "언어",
+                            "고양이",
+                            "로그인 시 자동 실행",
+                            "1초마다 갱신"};
     const char* english[] = {"Cut pick",
                              "Cut all",
                              "Keep",
@@ -488,7 +451,11 @@ TEST(CleanupCardRender, KoreanCardTurnsEnglishAtOnce) {
                              "Caution",
                              "Quit",
                              "Last used 2h 5m ago · no window",
-                             "How it picks only the unused"};
+                             "How it picks only the unused",
+                             "Language",
+                             "Cat",
+                             "Launch at login",
+                             "Updated every 1s"};
     QStringList texts = visibleTexts(preview.root());
     for (const char* expected : korean)
         EXPECT_TRUE(texts.contains(QString::fromUtf8(expected))) << expected;

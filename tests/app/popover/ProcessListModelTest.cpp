@@ -63,16 +63,6 @@ TEST_F(ProcessListModelTest, RefreshesFillRowsInPlace) {
     EXPECT_EQ(inserted.count(), 1);
 }
 
-TEST_F(ProcessListModelTest, AnUnchangedRefreshTouchesNoRow) {
-    const QList<ProcInfo> rows{proc(1, "x", 5), proc(2, "y", 4)};
-    model.setRows(rows);
-    QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
-    QSignalSpy reset(&model, &QAbstractItemModel::modelReset);
-    model.setRows(rows);
-    EXPECT_EQ(changed.count(), 0);
-    EXPECT_EQ(reset.count(), 0);
-}
-
 TEST_F(ProcessListModelTest, EmptyingAndScale) {
     EXPECT_EQ(model.maxCPU(), 1);
     model.setRows({proc(1, "x", 0, 2048), proc(2, "y", 150, 1024)});
