@@ -143,11 +143,9 @@ TEST(GpuLoadReaderTest, PmuEventDescriptions) {
     EXPECT_EQ(parsePmuEventConfig("config=0x100000\n"), std::optional<std::uint64_t>(0x100000));
     EXPECT_EQ(parsePmuEventConfig("event=0x3,config=12"), std::optional<std::uint64_t>(12));
     EXPECT_FALSE(parsePmuEventConfig("config=zz"));
-    EXPECT_FALSE(parsePmuEventConfig("config=0x"));
     EXPECT_FALSE(parsePmuEventConfig("event=0x3"));
     EXPECT_TRUE(isEngineBusyEvent("vcs1-busy"));
     EXPECT_FALSE(isEngineBusyEvent("rcs0-busy.unit"));
-    EXPECT_FALSE(isEngineBusyEvent("-busy"));
 }
 
 TEST(EnergyReaderTest, RaplZonesAreNeverCountedTwice) {
