@@ -32,21 +32,16 @@ protected:
     const QString built = root.filePath("src/quelmo/build/dev/src/app/quelmo");
 };
 
-TEST_F(AutostartProgramTest, TheInstalledProgramStartsItselfByItsInstalledPath) {
+// The installed program starts itself by its installed path, a build in a source tree starts
+// that build, and after an upgrade replaced the running file (the process can no longer name it)
+// the installed program stands in when there is one.
+TEST_F(AutostartProgramTest, WhichProgramTheLoginStarts) {
     EXPECT_EQ(AutostartEntry::autostartProgram(installed, installed), installed);
     EXPECT_EQ(AutostartEntry::autostartProgram(root.filePath("bin/quelmo"), installed), installed);
-}
-
-TEST_F(AutostartProgramTest, ABuildInASourceTreeStartsThatBuild) {
     EXPECT_EQ(AutostartEntry::autostartProgram(built, installed), built);
+    EXPECT_EQ(AutostartEntry::autostartProgram(QString(), installed), installed);
     QFile::remove(installed); // nothing installed at all
     EXPECT_EQ(AutostartEntry::autostartProgram(built, installed), built);
-}
-
-// An upgrade replaces the running program's file; the process can then no longer name it.
-TEST_F(AutostartProgramTest, AnUnknownRunningPathFallsBackToTheInstalledProgramWhenThereIsOne) {
-    EXPECT_EQ(AutostartEntry::autostartProgram(QString(), installed), installed);
-    QFile::remove(installed);
     EXPECT_EQ(AutostartEntry::autostartProgram(QString(), installed), QString());
 }
 

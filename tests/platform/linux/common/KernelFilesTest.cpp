@@ -17,13 +17,6 @@ TEST(RootPathTest, EverySpellingOfTheLiveRootReadsTheLiveFiles) {
         EXPECT_FALSE(isLiveRoot(QString::fromLatin1(tree))) << tree;
 }
 
-TEST(RootPathTest, FixtureTreesHoldTheWholePath) {
-    EXPECT_EQ(rootedPath(QStringLiteral("/tmp/tree/"), "/proc/stat"), "/tmp/tree/proc/stat");
-    EXPECT_EQ(rootedPath(QStringLiteral("/tmp/tree"), "sys//class"), "/tmp/tree/sys//class");
-    EXPECT_EQ(procPath(QStringLiteral("/tmp/tree"), 42, "stat"), "/tmp/tree/proc/42/stat");
-    EXPECT_EQ(procPath(QStringLiteral("/"), 7, "cgroup"), "/proc/7/cgroup");
-}
-
 TEST(KernelFileTest, SmallFilesWholeOrNotAtAll) {
     FixtureTree tree;
     tree.write(QStringLiteral("big"), QByteArray(5000, 'x'));

@@ -70,8 +70,6 @@ TEST(ProcfsProcessReaderTest, NamesFromCommandLinesStopWhereTheNameDoes) {
     using namespace std::string_view_literals;
     EXPECT_EQ(processName("rewrittenproces", "rewrittenprocess: worker --flag=/a/b"),
               QStringLiteral("rewrittenprocess:"));
-    EXPECT_EQ(processName("gnome-shell-cal", "/usr/libexec/gnome-shell-calendar-server --x=/a"sv),
-              QStringLiteral("gnome-shell-calendar-server"));
     EXPECT_EQ(processName("WebKitWebProces", "/usr/lib/WebKitWebProcess\0--flag=/a/b\0"sv),
               QStringLiteral("WebKitWebProcess"));
     EXPECT_EQ(processName("somethingelse12", "other: --flag=/a/b"),
@@ -89,8 +87,6 @@ TEST(ProcfsProcessReaderTest, NamesFromCommandLinesStopWhereTheNameDoes) {
 
 TEST(ProcfsProcessReaderTest, RealTreesAndLifetimeAverages) {
     const auto vm = tableOf(machine("this-vm"));
-    EXPECT_EQ(vm.at(1).name, QStringLiteral("process_api"));
-    EXPECT_EQ(vm.at(1).user, QStringLiteral("root"));
     EXPECT_EQ(vm.at(2).rssBytes, 0.0);
     // A 15-byte name whose argv[0] says something else keeps the kernel's name.
     EXPECT_EQ(vm.at(1162).name, QStringLiteral("memfd:sealed-91"));

@@ -222,12 +222,6 @@ TEST(CompositorSession, ActivationsNamesAndPoliteCloseGoThroughTheCompositor) {
     EXPECT_EQ(compositor->closed, (QStringList{"1", "2"}));
 }
 
-} // namespace
-} // namespace quelmo::linux_platform
-
-namespace quelmo::linux_platform {
-namespace {
-
 TEST(I3Ipc, AnX11WindowIsFoundWithTheFreeAreaAroundIt) {
     // xeyes, floating on workspace 1 of the headless output.
     const auto xeyes = i3ipc::findX11Window(recorded("sway/get_tree.json"), 4194314);

@@ -1,12 +1,10 @@
 // A Wayland session whose compositor tells nothing: processes of launched applications may be
 // in use and are never offered; background processes and command-line programs still are.
 
-#include "core/metrics/SystemMetrics.h"
 #include "platform/linux/wayland/WaylandFallbackSession.h"
 #include "platform/linux/wayland/WaylandSessions.h"
 #include "support/FakePlatform.h"
 #include "support/FixtureTree.h"
-#include "support/TempSettings.h"
 
 #include <gtest/gtest.h>
 
@@ -108,35 +106,6 @@ TEST(WaylandFallback, KeepsWhatXwaylandShowsAndAddsTheUnseenApplications) {
     EXPECT_FALSE(alone.frontmostAppId());
 }
 
-// The hub on the fixture machine: every process uses a lot of memory, yet only the terminal's
-// command and the session's service are offered.
-TEST(WaylandFallback, TheHubOffersBackgroundAndCommandLineHogsOnly) {
-    struct User : SystemInfo {
-        QString userName() override { return QStringLiteral("alice"); }
-        qint64 ownPid() override { return 4242; }
-        bool thermalNominal() override { return false; }
-    };
-    test::TempSettings::clear();
-    Machine m;
-    populate(m);
-    auto* processes = new test::FixedProcesses;
-    constexpr double hog = 6.0 * 1024 * 1024 * 1024;
-    for (const qint64 pid : {100, 101, 102, 103, 104, 105})
-        processes->rows.push_back(
-            test::proc(pid, QStringLiteral("p%1").arg(pid), 0, hog - double(pid)));
-    Platform platform;
-    platform.processes.reset(processes);
-    platform.system = std::make_unique<User>();
-    platform.desktop = std::make_unique<WaylandFallbackSession>(nullptr, m.path("."));
-    SystemMetrics hub(std::move(platform));
-    hub.setSensitivity(1);
-    hub.refreshProcesses();
-    QList<qint64> offered;
-    for (const CleanupCandidate& c : hub.cleanupCandidates())
-        offered << c.proc.id;
-    EXPECT_EQ(offered, (QList<qint64>{103, 104, 105}));
-}
-
 TEST(WaylandSessions, TheSessionKindComesFromTheEnvironment) {
     const auto kind = [](std::initializer_list<std::pair<const char*, const char*>> variables) {
         QProcessEnvironment environment;
@@ -148,9 +117,6 @@ TEST(WaylandSessions, TheSessionKindComesFromTheEnvironment) {
     EXPECT_EQ(kind({{"XDG_SESSION_TYPE", "wayland"}}), SessionKind::Wayland);
     EXPECT_EQ(kind({{"WAYLAND_DISPLAY", "wayland-1"}, {"SWAYSOCK", "/run/s.sock"}}),
               SessionKind::Sway);
-    EXPECT_EQ(kind({{"WAYLAND_DISPLAY", "w"}, {"HYPRLAND_INSTANCE_SIGNATURE", "abc"}}),
-              SessionKind::Hyprland);
-    EXPECT_EQ(kind({{"WAYLAND_DISPLAY", "w"}, {"KDE_FULL_SESSION", "true"}}), SessionKind::Plasma);
     EXPECT_EQ(kind({{"WAYLAND_DISPLAY", "w"}, {"XDG_CURRENT_DESKTOP", "ubuntu:GNOME"}}),
               SessionKind::Gnome);
     EXPECT_EQ(kind({{"WAYLAND_DISPLAY", "w"}, {"XDG_CURRENT_DESKTOP", "gnome-flashback"}}),

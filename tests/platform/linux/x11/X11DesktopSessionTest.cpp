@@ -17,7 +17,6 @@
 #include <QThread>
 #include <cstdlib>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 namespace quelmo::linux_platform {
 namespace {
@@ -212,30 +211,6 @@ TEST_F(X11DesktopSessionTest, ARememberedApplicationIsForgottenWhenItsPidIsReuse
     EXPECT_EQ(idOf777(), QStringLiteral("test.alpha"));
     startAt("6000", "app-test.bravo-2.scope"); // a later process with the same pid
     EXPECT_EQ(idOf777(), QStringLiteral("test.bravo"));
-}
-
-// A real GTK application from the distribution, on a private session bus: its id, its name in
-// both languages, and a close request through the window manager.
-TEST_F(X11DesktopSessionTest, MousepadIsRecognisedAndClosesPolitely) {
-    if (access("/usr/bin/mousepad", X_OK) != 0)
-        GTEST_SKIP() << "mousepad is not installed";
-    ChildProcess mousepad({"dbus-run-session", "--", "mousepad"}, {server()->environment()});
-    qint64 pid = 0;
-    ASSERT_TRUE(spinUntil([&] {
-        for (const qint64 candidate : session->snapshot().regularPIDs) {
-            const auto app = session->application(candidate).value_or(AppRecord{});
-            if (app.appId == QStringLiteral("org.xfce.mousepad"))
-                pid = candidate;
-        }
-        return pid != 0;
-    })) << "no mousepad window appeared";
-    EXPECT_EQ(session->application(pid)->displayName, QStringLiteral("Mousepad"));
-    language = QStringLiteral("ko");
-    EXPECT_EQ(session->application(pid)->displayName, QStringLiteral("마우스패드"));
-
-    test::FakeHandle pinned(pid);
-    EXPECT_TRUE(session->requestClose(pinned));
-    EXPECT_TRUE(mousepad.waitForExit(30s)) << "mousepad did not close";
 }
 
 } // namespace
