@@ -83,18 +83,6 @@ TEST(SettingsStoreTest, DamagedFilesAndValuesReadAsDefaultsAndSpareTheOtherKeys)
     EXPECT_TRUE(settingsFileText().contains("quelmo.catStyle=black"));
 }
 
-TEST(SettingsStoreTest, TheFocusHistoryKeepsTheMostRecentApplications) {
-    test::TempSettings::clear();
-    QVariantMap history;
-    for (qsizetype i = 0; i < FocusTracker::maxEntries + 3; ++i)
-        history.insert(QStringLiteral("app-%1").arg(i), 1.7e9 + static_cast<double>(i));
-    QSettings().setValue(SettingsKeys::focusLastActive, history);
-    const FocusTracker tracker(nullptr);
-    for (int i = 0; i < 3; ++i)
-        EXPECT_FALSE(tracker.lastActiveSeconds(QStringLiteral("app-%1").arg(i))) << i;
-    EXPECT_EQ(tracker.lastActiveSeconds("app-3"), 1.7e9 + 3);
-}
-
 TEST(SettingsStoreTest, AStoredSensitivityThatIsNotAFiniteNumberLeavesTheDefault) {
     for (const char* text : {"nan", "-inf", "1e999", "0x1p3", ""}) {
         writeSettingsFile(QByteArray("[General]\nnuvex.sensitivity=") + text + "\n");
@@ -151,16 +139,20 @@ TEST(SettingsStoreTest, FocusHistoriesOfTwoSessionsMergeOnEverySave) {
     seatTwo.activated("notes");
     EXPECT_EQ(two.lastActiveSeconds("mail"), later);
 
-    // A full history on disk and one new application: the oldest goes, the newest stays.
+    // A history over its bound on disk loses its oldest when loaded, and again when saved with
+    // one new application; the newest stay.
     history.clear();
-    for (qsizetype i = 0; i < FocusTracker::maxEntries; ++i)
+    for (qsizetype i = 0; i <= FocusTracker::maxEntries; ++i)
         history.insert(QStringLiteral("app-%1").arg(i), 1.7e9 + static_cast<double>(i));
     QSettings().setValue(SettingsKeys::focusLastActive, history);
+    const FocusTracker loaded(nullptr);
+    EXPECT_FALSE(loaded.lastActiveSeconds("app-0"));
+    EXPECT_EQ(loaded.lastActiveSeconds("app-1"), 1.7e9 + 1);
     seatOne.activated("terminal");
     const QVariantMap stored = storedHistory();
     EXPECT_EQ(stored.size(), FocusTracker::maxEntries);
-    EXPECT_TRUE(stored.contains("terminal") && stored.contains("app-999"));
-    EXPECT_FALSE(stored.contains("app-0"));
+    EXPECT_TRUE(stored.contains("terminal") && stored.contains("app-1000"));
+    EXPECT_FALSE(stored.contains("app-1"));
 }
 
 // The settings folder is deleted while the program runs: whichever save comes next, every

@@ -77,7 +77,6 @@ TEST(CleanupReasons, RawValuesRoundTripAndEachHasItsOwnWords) {
     }
     EXPECT_EQ(labels.size(), 8);
     EXPECT_FALSE(cleanupReasonFromRaw("Spike"));
-    EXPECT_EQ(label(CleanupReason::ramHog, Language::korean), "메모리 과다");
 }
 
 } // namespace
