@@ -17,8 +17,6 @@ std::string sha256(const QString& text) {
 // The model's answers were tuned against exactly these bytes, so a digest of the whole text is
 // the comparison: any changed, added or dropped byte (a trailing line feed too) fails it.
 TEST(AdvisorTexts, InstructionsAndSchemaAreTheExactBytes) {
-    EXPECT_EQ(advisorInstructions(Language::english).toUtf8().size(), 849);
-    EXPECT_EQ(advisorInstructions(Language::korean).toUtf8().size(), 996);
     EXPECT_EQ(sha256(advisorInstructions(Language::english)),
               "568a3022749b38929a957b9116bdcc2e36f1c001d19508e68d05072dcec92561");
     EXPECT_EQ(sha256(advisorInstructions(Language::korean)),

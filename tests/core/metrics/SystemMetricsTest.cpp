@@ -108,20 +108,8 @@ TEST(SystemMetricsTest, TicksPublishInOrderAndRatesWaitForASecondSample) {
     EXPECT_DOUBLE_EQ(m.aneLoad(), 1.0);
 }
 
-// The kernel's process table with start times.
-struct ListedProcesses : FixedProcesses {
-    std::optional<ProcessTable> readTable() override {
-        ++snapshots;
-        std::vector<ProcessRecord> records;
-        for (qint64 pid : {100, 101, 102, 103, 104})
-            records.push_back({pid, "p", "alice", 0, static_cast<std::uint64_t>(pid) * 10, 0});
-        return ProcessTable{records, 100, 1000.0};
-    }
-};
-
 TEST(SystemMetricsTest, CutProcessesStayHiddenForTheHoldAndLongerOnceThePopoverHasClosed) {
     HubOnFakes fakes;
-    delete std::exchange(fakes.processes, new ListedProcesses);
     SystemMetrics& hub = fakes.build();
     hub.setPollProcesses(true); // reads the table at once
     fakes.signaller->running = {{101, 1010}};

@@ -17,7 +17,6 @@ TEST(AppLangTest, ResolvesStoredChoiceThenFirstPreferredLanguage) {
         {"auto", {"KO-Kore-KR"}, "ko"},
         {"auto", {}, "en"},
         {"en", {"ko-KR"}, "en"},
-        {"ko", {"en-US"}, "ko"},
         {"KO", {"en-US"}, "en"},
         {"fr", {"ko"}, "ko"},
     };

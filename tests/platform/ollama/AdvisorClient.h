@@ -24,6 +24,13 @@ inline const QByteArray goodAnswer = R"({"explanation":" Image viewer","extra":1
                                      R"("safeToQuit":true,"risk":"SAFE","recommendation":"cut"})";
 inline const AIQueueEntry preview{"Preview", 0.3, 180.6, "Unused app", 125.5, false};
 
+// A runtime with qwen alone, answering every chat with `answer`.
+inline void serveQwen(FakeOllamaServer& runtime,
+                      FakeOllamaServer::Answer answer = FakeOllamaServer::chatAnswer(goodAnswer)) {
+    runtime.serveModels("[]", "[" + qwen + "]", capabilities);
+    runtime.on("POST", "/api/chat", std::move(answer));
+}
+
 // An advisor on the real client, set up by `options`, once its first look has answered.
 struct Client {
     ollama_platform::OllamaModel* model;
@@ -48,14 +55,6 @@ struct Client {
         EXPECT_FALSE(result) << "answered from inside evaluate";
         EXPECT_TRUE(waitUntil([&] { return result.has_value(); }));
         return result.value_or(std::nullopt);
-    }
-
-    // Lets the advisor look at the runtime again, as it does after a failed request.
-    void lookAgain() {
-        looked = false;
-        EXPECT_TRUE(waitUntil([&] { return advisor.readyToEvaluate() || looked; },
-                              int(AIAdvisor::minLookGapMs) + 5000));
-        advisor.status();
     }
 };
 

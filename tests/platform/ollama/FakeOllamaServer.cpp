@@ -107,9 +107,6 @@ bool FakeOllamaServer::older(int major, int minor) const {
 QByteArray FakeOllamaServer::response(const Answer& answer) const {
     QByteArray head = "HTTP/1.1 " + QByteArray::number(answer.status) + " Scripted\r\n" +
                       "Content-Type: application/json; charset=utf-8\r\n" + answer.headers;
-    if (!chunked)
-        return head + "Content-Length: " + QByteArray::number(answer.body.size()) + "\r\n\r\n" +
-               answer.body;
     QByteArray out = head + "Transfer-Encoding: chunked\r\n\r\n";
     constexpr qsizetype piece = 64 * 1024;
     for (qsizetype at = 0; at < answer.body.size(); at += piece) {

@@ -45,7 +45,6 @@ public:
 
     QByteArray version = "0.13.0"; // what /api/version says, unless scripted otherwise
     int thinkingDelayMs = 0;       // how long a model thinks before it answers
-    bool chunked = true;           // answers in chunks rather than with a length
 
     int connections = 0;        // every connection accepted, whatever it then sends
     QList<QByteArray> requests; // "METHOD /path" of every request received, in order

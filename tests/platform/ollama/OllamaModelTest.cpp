@@ -21,8 +21,7 @@ namespace {
 
 TEST(OllamaModel, RequestCarriesInstructionsPromptAndSchemaAndBadAnswersYieldNothing) {
     FakeOllamaServer server;
-    server.serveModels("[]", "[" + qwen + "]", capabilities);
-    server.on("POST", "/api/chat", FakeOllamaServer::chatAnswer(goodAnswer));
+    serveQwen(server);
     auto client = std::make_unique<Client>(server.url());
     EXPECT_EQ(client->evaluate(), (AIVerdict{" Image viewer", true, "안전", "cut"}));
     const QByteArray raw = server.lastBody; // the look is over: the chat is the last request
@@ -104,10 +103,7 @@ namespace {
 // A second loopback port that any request leaving the runtime's own address would reach.
 struct Bystander {
     FakeOllamaServer server;
-    Bystander() {
-        server.serveModels("[]", "[" + qwen + "]", capabilities);
-        server.on("POST", "/api/chat", FakeOllamaServer::chatAnswer(goodAnswer));
-    }
+    Bystander() { serveQwen(server); }
     QByteArray url() const { return server.url().toString().toUtf8(); }
 };
 
@@ -115,8 +111,7 @@ TEST(OllamaModelPrivacy, RedirectsAreNeverFollowed) {
     Bystander elsewhere;
     const Answer redirect{307, "", 0, "Location: " + elsewhere.url() + "/api/chat\r\n"};
     FakeOllamaServer runtime;
-    runtime.serveModels("[]", "[" + qwen + "]", capabilities);
-    runtime.on("POST", "/api/chat", redirect);
+    serveQwen(runtime, redirect);
     EXPECT_EQ(Client(runtime.url()).evaluate(), std::nullopt);
 
     // A runtime whose every answer points elsewhere is not one that can be used.
@@ -135,8 +130,7 @@ TEST(OllamaModelPrivacy, ProxiesFromTheEnvironmentAreBypassed) {
     for (const char* name : names)
         qputenv(name, proxy.url());
     FakeOllamaServer runtime;
-    runtime.serveModels("[]", "[" + qwen + "]", capabilities);
-    runtime.on("POST", "/api/chat", FakeOllamaServer::chatAnswer(goodAnswer));
+    serveQwen(runtime);
     EXPECT_NE(Client(runtime.url()).evaluate(), std::nullopt);
     EXPECT_EQ(proxy.server.connections, 0);
     for (const char* name : names)
@@ -148,9 +142,8 @@ TEST(OllamaModelPrivacy, AnAnswerOverTheSizeLimitYieldsNoVerdict) {
     QJsonObject verdict = QJsonDocument::fromJson(goodAnswer).object();
     verdict["explanation"] = QString(OllamaModel::maxAnswerBytes, 'x');
     FakeOllamaServer runtime;
-    runtime.serveModels("[]", "[" + qwen + "]", capabilities);
-    runtime.on("POST", "/api/chat",
-               FakeOllamaServer::chatAnswer(QJsonDocument(verdict).toJson(QJsonDocument::Compact)));
+    serveQwen(runtime,
+              FakeOllamaServer::chatAnswer(QJsonDocument(verdict).toJson(QJsonDocument::Compact)));
     // Time enough for the whole answer to arrive, so that only the limit can refuse it.
     EXPECT_EQ(Client(runtime.url(), false, 30000).evaluate(), std::nullopt);
 }
@@ -158,7 +151,7 @@ TEST(OllamaModelPrivacy, AnAnswerOverTheSizeLimitYieldsNoVerdict) {
 // The status the hub keeps for the cleanup card is the first real look, not the guess before it.
 TEST(OllamaModel, TheHubKeepsTheFirstLookAtTheRuntime) {
     FakeOllamaServer running;
-    running.serveModels("[]", "[" + qwen + "]", capabilities);
+    serveQwen(running);
     const QUrl stopped = FakeOllamaServer().url();
     const std::tuple<QUrl, AIAdvisor::Status> runtimes[] = {
         {running.url(), {true, ""}}, {stopped, {false, "Apple Intelligence is turned off"}}};
