@@ -110,6 +110,18 @@ def accessible_named(session, proc, name, role=None):
                 None)
 
 
+def settled_named(session, proc, name, role, timeout, what):
+    # The named object once it has held still for a second: the popover's content grows while
+    # its first readings and candidates arrive, which moves what lies below it.
+    seen = [None]
+
+    def settled():
+        node = accessible_named(session, proc, name, role)
+        seen.append(node and node["extents"])
+        return node if node and seen[-3:] == [node["extents"]] * 3 else None
+    return wait_until(settled, timeout, what, interval=0.5)
+
+
 def press_accessible(session, proc, name):
     result = session.run([ATSPI_PYTHON, ATSPI_PROBE, "press", str(proc.pid), name])
     expect(result.returncode == 0, f"could not press {name!r}: {result.stderr.strip()}")
@@ -314,11 +326,9 @@ def check_popover_content_language_style_and_quit(session, binary):
         expect(any(re.fullmatch(r"\d+\.\d / \d+\.\d GB", n) for n in names),
                f"no memory detail among {names}")
 
-        picker = wait_until(lambda: accessible_named(session, proc, "System", "combo box"), 10,
-                            "the language picker")
+        picker = settled_named(session, proc, "System", "combo box", 15, "the language picker")
         click_centre(session, picker["extents"])
-        korean = wait_until(lambda: accessible_named(session, proc, "한국어"), 10,
-                            "the picker's choices")
+        korean = settled_named(session, proc, "한국어", None, 10, "the picker's choices")
         click_centre(session, korean["extents"])
         footer = {"언어", "고양이", "로그인 시 자동 실행", "1초마다 갱신", "종료", "까망이"}
         names = wait_until(lambda: (n := accessible_names(session, proc)) >= footer and n, 15,

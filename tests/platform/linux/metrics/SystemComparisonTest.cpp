@@ -8,6 +8,7 @@
 #include "platform/linux/metrics/ProcfsProcessReader.h"
 
 #include <QFile>
+#include <cmath>
 #include <gtest/gtest.h>
 #include <map>
 #include <string>
@@ -37,14 +38,20 @@ bool sameUser(const QString& ours, const QString& ps) {
     return ours == ps;
 }
 
+// A name as it comes back from the listing's columns: spaces around it lost, runs of them one.
+QString asListed(const QString& name) {
+    return name.split(QLatin1Char(' '), Qt::SkipEmptyParts).join(QLatin1Char(' '));
+}
+
 // procps prints the kernel's name, cut to 15 bytes; ours completes a cut name from argv[0].
 // A kernel worker renames itself after the work it picks up ("kworker/1:0-events").
 bool sameName(const QString& ours, const QString& ps) {
+    const QString listed = asListed(ours);
     if (ps.startsWith(QLatin1String("kworker/")))
-        return ours.section(QLatin1Char('-'), 0, 0) == ps.section(QLatin1Char('-'), 0, 0);
+        return listed.section(QLatin1Char('-'), 0, 0) == ps.section(QLatin1Char('-'), 0, 0);
     if (ps.toUtf8().size() == 15)
-        return ours.startsWith(ps);
-    return ours == ps;
+        return listed.startsWith(ps);
+    return listed == ps;
 }
 
 } // namespace
@@ -63,22 +70,29 @@ TEST(SystemComparisonTest, ProcfsSnapshotAgreesWithPs) {
     ASSERT_GT(ps.size(), 3u);
     const double now = uptimeSeconds();
 
+    // Only processes that held still from our first look to our second are compared: one that
+    // ended, got its pid reused, ran another program or changed its owner while the tools ran
+    // (a child between fork and exec, a daemon dropping privileges) may have shown ps either.
     int compared = 0;
     for (const auto& [pid, mine] : ours) {
         const auto later = oursAfter.find(pid);
-        if (later == oursAfter.end() || after.startTimeOf(pid) != before.startTimeOf(pid))
-            continue; // ended, or its pid was reused, while the tools ran
+        if (later == oursAfter.end() || after.startTimeOf(pid) != before.startTimeOf(pid) ||
+            later->second.name != mine.name || later->second.user != mine.user)
+            continue;
+        // A line without a name is no process to the listing's reader.
+        if (asListed(mine.name).isEmpty())
+            continue;
         SCOPED_TRACE(mine.name.toStdString());
         const auto theirs = ps.find(pid);
         ASSERT_NE(theirs, ps.end()) << "pid " << pid << " missing from ps";
         EXPECT_TRUE(sameUser(mine.user, theirs->second.user)) << theirs->second.user.toStdString();
         EXPECT_TRUE(sameName(mine.name, theirs->second.name)) << theirs->second.name.toStdString();
-        // Resident sizes move a little while the three readings are taken.
-        const double low = std::min(mine.rss, later->second.rss);
-        const double high = std::max(mine.rss, later->second.rss);
-        const double slack = std::max(1.0 * (1 << 20), 0.1 * high);
-        EXPECT_GE(theirs->second.rss, low - slack);
-        EXPECT_LE(theirs->second.rss, high + slack);
+        // The resident size of one that kept it between our looks (one that ended became a
+        // zombie of none).
+        const double slack = std::max(1.0 * (1 << 20), 0.1 * std::max(mine.rss, later->second.rss));
+        if (std::abs(mine.rss - later->second.rss) <= slack) {
+            EXPECT_NEAR(theirs->second.rss, mine.rss, 2 * slack);
+        }
         // The same lifetime average, for processes old enough that a second does not matter.
         const double age = now - static_cast<double>(*before.startTimeOf(pid)) / 100.0;
         if (age > 120) {
